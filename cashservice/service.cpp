@@ -1,0 +1,248 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "service.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iostream>
+#include <utility>
+
+namespace cash {
+namespace {
+constexpr Refusal MALFORMED = {0, "Неверный запрос: CardUid"};
+constexpr Refusal NO_CARD = {2, "Карта не найдена"};
+constexpr Refusal NOTHING_OWED = {3, "Парковка уже оплачена"};
+constexpr Refusal BLOCKED = {4, "Карта заблокирована"};
+constexpr Refusal UNAVAILABLE = {5, "Сервис временно недоступен"};
+constexpr Refusal OTHER_AMOUNT = {6, "Платёж уже зарегистрирован с другой суммой"};
+constexpr Refusal OTHER_CARD = {0, "Неверный запрос: CardUid: платёж уже зарегистрирован за другую карту"};
+
+std::optional<Refusal> refusalOf(const Card *card, Operation operation)
+{
+    if (card == nullptr)
+        return NO_CARD;
+    switch (card->state) {
+    case CardState::Malformed:
+        return MALFORMED;
+    case CardState::Unknown:
+        return NO_CARD;
+    case CardState::Paid:
+        return NOTHING_OWED;
+    case CardState::Blocked:
+        return BLOCKED;
+    case CardState::Maintenance:
+        return UNAVAILABLE;
+    case CardState::Conflict:
+        return operation == Operation::ParkInfoPay ? std::optional(OTHER_AMOUNT) : std::nullopt;
+    case CardState::Parked:
+        break;
+    }
+    return std::nullopt;
+}
+
+/// Upper and lower case are the same; parameters, and blanks before them, do not count.
+bool isContentTypeRight(std::string_view contentType)
+{
+    std::string type(contentType.substr(0, contentType.find(';')));
+    type.erase(type.find_last_not_of(" \t") + 1);
+    std::transform(type.begin(), type.end(), type.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return type == CONTENT_TYPE;
+}
+
+Answer::Texts attributes(Operation operation, int resultCode)
+{
+    return {{"Operation", operationName(operation) + "Response"}, {"ResultCode", std::to_string(resultCode)}};
+}
+
+void waitFor(const std::vector<Fault> &faults, Stage stage, const Service::Wait &wait)
+{
+    for (const Fault &fault : faults) {
+        if (fault.action == Fault::Action::Delay && fault.stage == stage)
+            wait(fault.delay);
+    }
+}
+
+/// A delay before the payment is recorded only delays; every other fault of that stage comes in its place.
+bool preventsRecord(const Fault &fault)
+{
+    return fault.stage == Stage::Before && fault.action != Fault::Action::Delay;
+}
+} // namespace
+
+Service::Service(CarPark park, Ledger &ledger, Clock clock)
+    : m_park(std::move(park)), m_ledger(ledger), m_clock(std::move(clock))
+{}
+
+Reply Service::answer(const Incoming &incoming, const Wait &wait)
+{
+    const std::vector<Fault> faults = m_faults.strike(incoming.operation);
+    waitFor(faults, Stage::Before, wait);
+    Composed composed = compose(incoming, std::none_of(faults.begin(), faults.end(), preventsRecord));
+    if (composed.answerAfter.count() > 0)
+        wait(composed.answerAfter);
+    waitFor(faults, Stage::After, wait);
+    return spoiled(std::move(composed), faults);
+}
+
+std::vector<Session> Service::sessions() const
+{
+    std::vector<Session> sessions;
+    for (const auto &[uid, card] : m_park.cards)
+        sessions.push_back({card, paidFor(card, m_ledger.stay(card.stayId())), owedFor(card)});
+    return sessions;
+}
+
+Service::Composed Service::compose(const Incoming &incoming, bool mayRecord)
+{
+    const Operation operation = incoming.operation;
+    if (!isContentTypeRight(incoming.contentType))
+        return Composed(
+            failure(operation, "", 0, std::string("Неверный запрос: Content-Type: ожидается ") + CONTENT_TYPE));
+    const std::variant<Request, Breach> read = readRequest(operation, incoming.body);
+    if (const auto *const breach = std::get_if<Breach>(&read))
+        return Composed(
+            failure(operation, breach->sessionId, 0, "Неверный запрос: " + breach->field + ": " + breach->reason));
+    const Request &request = std::get<Request>(read);
+    Composed composed = composeUnlessBroken(request, mayRecord);
+    composed.request = request;
+    return composed;
+}
+
+Service::Composed Service::composeUnlessBroken(const Request &request, bool mayRecord)
+{
+    const Card *const card = m_park.find(request.cardUid);
+    try {
+        return composeFor(request, card, mayRecord);
+    } catch (const DatabaseError &error) {
+        std::cerr << "cash-service: the database cannot be used: " << error.what() << std::endl;
+        Composed composed(failure(request.operation, request.sessionId, UNAVAILABLE.code, UNAVAILABLE.text));
+        composed.answerAfter = card == nullptr ? composed.answerAfter : card->answerAfter;
+        return composed;
+    }
+}
+
+Service::Composed Service::composeFor(const Request &request, const Card *card, bool mayRecord)
+{
+    const bool isPayment = request.operation == Operation::ParkInfoPay;
+    Composed composed;
+    if (const std::optional<Refusal> refusal = refusalOf(card, request.operation))
+        composed = refused(request, *refusal);
+    else if (!isPayment)
+        composed = checked(request, *card);
+    else if (mayRecord)
+        composed = paid(request, *card);
+    else
+        composed.answer = payAnswer(request, *card, {sum(m_ledger.stay(card->stayId()).paid, request.amount), 0});
+    composed.answerAfter = card == nullptr ? composed.answerAfter : card->answerAfter;
+    return composed;
+}
+
+Service::Composed Service::refused(const Request &request, const Refusal &refusal) const
+{
+    // What was once registered stays so, whatever has become of the card.
+    if (request.operation == Operation::ParkInfoPay) {
+        std::optional<Registration> earlier = m_ledger.find(request);
+        if (earlier && earlier->outcome == Registration::Outcome::Repeated)
+            return Composed(std::move(earlier->answer));
+    }
+    return Composed(failure(request.operation, request.sessionId, refusal.code, refusal.text));
+}
+
+Service::Composed Service::checked(const Request &request, const Card &card) const
+{
+    return owedFor(card) <= 0 ? refused(request, NOTHING_OWED) : Composed(checkAnswer(request, card));
+}
+
+/// Money that a terminal has taken is recorded whatever is owed by now.
+Service::Composed Service::paid(const Request &request, const Card &card)
+{
+    Payment payment{request, card.stayId(), m_clock(), {}};
+    payment.answer = [&](const Stay &stay) { return toXml(payAnswer(request, card, stay)); };
+    Registration registration = m_ledger.registerPayment(payment);
+    if (registration.outcome == Registration::Outcome::OtherAmount)
+        return refused(request, OTHER_AMOUNT);
+    if (registration.outcome == Registration::Outcome::OtherCard)
+        return refused(request, OTHER_CARD);
+    return Composed(std::move(registration.answer));
+}
+
+Reply Service::spoiled(Composed composed, const std::vector<Fault> &faults) const
+{
+    const auto onlyDelays = [](const Fault &fault) { return fault.action == Fault::Action::Delay; };
+    if (!composed.xml.empty() && std::all_of(faults.begin(), faults.end(), onlyDelays))
+        return {200, composed.xml};
+    if (!composed.xml.empty())
+        composed.answer = answerFromXml(composed.xml);
+    Encoding encoding = Encoding::Utf8;
+    for (const Fault &fault : faults) {
+        if (fault.action == Fault::Action::Status)
+            return {fault.number, std::string()};
+        if (fault.action == Fault::Action::Empty)
+            return {200, std::string()};
+        if (fault.action == Fault::Action::Encoding)
+            encoding = fault.encoding;
+        else if (fault.action == Fault::Action::Card)
+            composed.answer = answerForOtherCard(composed.request, fault.name);
+        else
+            spoil(composed.answer, fault);
+    }
+    return {200, toXml(composed.answer, encoding)};
+}
+
+Answer Service::answerForOtherCard(const Request &request, const std::string &uid) const
+{
+    const Card *const card = m_park.find(wireUid(uidFromText(uid).value_or(0)));
+    if (card == nullptr)
+        return failure(request.operation, request.sessionId, NO_CARD.code, NO_CARD.text);
+    return request.operation == Operation::ParkingCheck ? checkAnswer(request, *card)
+                                                        : payAnswer(request, *card, m_ledger.stay(card->stayId()));
+}
+
+Answer Service::failure(Operation operation, const std::string &sessionId, int code, const std::string &text) const
+{
+    return {attributes(operation, code),
+            {{"SessionId", sessionId}, {"AnswerTime", localText(m_clock())}, {"ErrorInfo", text}}};
+}
+
+Answer Service::checkAnswer(const Request &request, const Card &card) const
+{
+    const Moment now = m_clock();
+    const Stay stay = m_ledger.stay(card.stayId());
+    return {attributes(request.operation, 1),
+            {{"SessionId", request.sessionId},
+             {"ExternalSessionId", card.stayId()},
+             {"ParkingId", m_park.parkingId},
+             {"StartTime", localText(card.entered)},
+             {"AnticipatedStopTime", localText(m_park.tariff.coveredByCharge(card.entered, now))},
+             {"LastChangeTime", localText(std::max(card.entered, stay.lastPayment))},
+             {"TotalCharge", std::to_string(owedFor(card))},
+             {"AmountSum", std::to_string(paidFor(card, stay))},
+             {"CanExtend", "1"},
+             {"CanStop", "0"},
+             {"AnswerTime", localText(now)},
+             {"ErrorInfo", ""}}};
+}
+
+Answer Service::payAnswer(const Request &request, const Card &card, const Stay &stay) const
+{
+    return {attributes(request.operation, 1),
+            {{"PartnerId", request.partnerId},
+             {"SessionId", request.sessionId},
+             {"ExternalSessionId", card.stayId()},
+             {"AnticipatedStopTime", localText(m_park.tariff.coveredBy(card.entered, paidFor(card, stay)))},
+             {"AnswerTime", localText(m_clock())},
+             {"ErrorInfo", ""}}};
+}
+
+Hundredths Service::paidFor(const Card &card, const Stay &stay) const
+{
+    return sum(card.paid, stay.paid);
+}
+
+Hundredths Service::owedFor(const Card &card) const
+{
+    const Hundredths charge = m_park.tariff.charge(card.entered, m_clock());
+    return difference(charge, paidFor(card, m_ledger.stay(card.stayId())));
+}
+} // namespace cash

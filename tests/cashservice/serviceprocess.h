@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "httpclient.h"
+
+#include <QProcess>
+#include <QStringList>
+
+#include <csignal>
+
+/// The program itself, on a free port.
+class ServiceProcess
+{
+public:
+    explicit ServiceProcess(const QStringList &arguments = {})
+    {
+        m_process.start(QStringLiteral(CASH_SERVICE_PROGRAM),
+                        QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")} + arguments);
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(LIMIT)) {
+        }
+        m_firstLine = m_process.readLine();
+    }
+
+    ~ServiceProcess() { kill(); }
+    ServiceProcess(const ServiceProcess &) = delete;
+    ServiceProcess &operator=(const ServiceProcess &) = delete;
+
+    [[nodiscard]] QByteArray firstLine() const { return m_firstLine; }
+
+    [[nodiscard]] int port() const
+    {
+        const QByteArray address = m_firstLine.mid(m_firstLine.lastIndexOf(':') + 1);
+        return address.left(address.indexOf('/')).toInt();
+    }
+
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished(LIMIT);
+    }
+
+    /// @return the exit status, or -1 when it did not end by itself.
+    [[nodiscard]] int endBy(int signal)
+    {
+        ::kill(static_cast<pid_t>(m_process.processId()), signal);
+        return m_process.waitForFinished(LIMIT) && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
+                                                                                                  : -1;
+    }
+
+    [[nodiscard]] QByteArray errors() { return m_process.readAllStandardError(); }
+
+private:
+    static constexpr int LIMIT = 20'000;
+
+    QProcess m_process;
+    QByteArray m_firstLine;
+};

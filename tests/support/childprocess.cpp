@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "support/childprocess.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+namespace {
+const char CHILD[] = "--child";
+
+QHash<QString, ChildProcess::Function> &functions()
+{
+    static QHash<QString, ChildProcess::Function> registered;
+    return registered;
+}
+} // namespace
+
+ChildProcess::Registration::Registration(const char *name, Function function)
+{
+    functions().insert(QLatin1String(name), function);
+}
+
+std::unique_ptr<QProcess> ChildProcess::start(const char *name, const QStringList &arguments,
+                                              const QProcessEnvironment &environment)
+{
+    auto process = std::make_unique<QProcess>();
+    process->setProcessEnvironment(environment);
+    process->setProcessChannelMode(QProcess::MergedChannels);
+    process->start(QCoreApplication::applicationFilePath(),
+                   QStringList{QLatin1String(CHILD), QLatin1String(name)} + arguments);
+    return process;
+}
+
+int ChildProcess::finish(QProcess &process)
+{
+    constexpr int limit = 30'000;
+    return process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+bool ChildProcess::isChild(int argc, char **argv)
+{
+    return argc > 2 && qstrcmp(argv[1], CHILD) == 0;
+}
+
+int ChildProcess::runChild(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const Function function = functions().value(arguments.at(2));
+    if (function == nullptr)
+        qFatal("there is no child function %s", qPrintable(arguments.at(2)));
+    return function(arguments.mid(3));
+}

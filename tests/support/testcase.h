@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/childprocess.h"
+#include "support/messagelog.h"
+
+#include <QObject>
+#include <QTest>
+
+#include <memory>
+
+/// Base of every test class: each test function starts with an empty work directory and the real clock, and fails in
+/// cleanup() when it leaves a warning or worse in the log that it did not take.
+class TestCase : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// Says that this test function does not look at the log.
+    static void ignoreLog();
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+private:
+    std::unique_ptr<MessageLog> m_log;
+};
+
+/// The main function of a test file; it also runs the file's child processes.
+#define TEST_MAIN(TestClass)                                                                                           \
+    int main(int argc, char **argv)                                                                                    \
+    {                                                                                                                  \
+        if (ChildProcess::isChild(argc, argv))                                                                         \
+            return ChildProcess::runChild(argc, argv);                                                                 \
+        QCoreApplication application(argc, argv);                                                                      \
+        TestClass test;                                                                                                \
+        return QTest::qExec(&test, argc, argv);                                                                        \
+    }

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "support/testclock.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace {
+// Plain memory until a test sets the clock: libraries read it while they are loaded, before anything here is
+// constructed.
+std::atomic<bool> isReal = true;
+std::mutex mutex;
+QList<qint64> moments;
+int readingsSoFar = 0;
+
+/// The real clock, asked of the kernel: the C library's functions are the ones that are replaced here.
+int kernelTime(clockid_t clock, timespec *time)
+{
+    return static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
+}
+
+int wallTime(timespec *time)
+{
+    if (isReal)
+        return kernelTime(CLOCK_REALTIME, time);
+    const std::lock_guard lock(mutex);
+    const qint64 ms = moments.at(std::min(readingsSoFar, moments.size() - 1));
+    ++readingsSoFar;
+    time->tv_sec = static_cast<time_t>(ms / 1000);
+    time->tv_nsec = static_cast<long>(ms % 1000) * 1'000'000;
+    return 0;
+}
+} // namespace
+
+extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
+{
+    return clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE ? wallTime(time) : kernelTime(clock, time);
+}
+
+extern "C" int gettimeofday(timeval *__restrict time, void *__restrict) noexcept
+{
+    timespec now = {};
+    const int result = wallTime(&now);
+    time->tv_sec = now.tv_sec;
+    time->tv_usec = now.tv_nsec / 1000;
+    return result;
+}
+
+void TestClock::freeze(const QDateTime &moment)
+{
+    play({moment});
+}
+
+void TestClock::play(const QList<QDateTime> &newMoments)
+{
+    isReal = true;
+    const std::lock_guard lock(mutex);
+    moments.clear();
+    readingsSoFar = 0;
+    for (const QDateTime &moment : newMoments)
+        moments.append(moment.toMSecsSinceEpoch());
+    isReal = moments.isEmpty();
+}
+
+int TestClock::readings()
+{
+    const std::lock_guard lock(mutex);
+    return readingsSoFar;
+}
+
+void TestClock::release()
+{
+    play({});
+}

@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "support/golden.h"
+#include "support/testcase.h"
+#include "support/testclock.h"
+#include "support/workdirectory.h"
+#include "support/zone.h"
+
+#include <QDateTime>
+#include <QFile>
+
+/// The tests' own instruments.
+class SupportTest : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void clock_frozen_standsStill()
+    {
+        const QDateTime moment(QDate(2024, 3, 7), QTime(14, 5, 9), Qt::UTC);
+        TestClock::freeze(moment);
+        QCOMPARE(QDateTime::currentDateTimeUtc(), moment);
+        QCOMPARE(QDateTime::currentDateTimeUtc(), moment);
+        QCOMPARE(TestClock::readings(), 2);
+    }
+
+    void clock_playing_givesEachReadingTheNextMoment()
+    {
+        const QDateTime moment(QDate(2024, 3, 7), QTime(14, 5, 9), Qt::UTC);
+        TestClock::play({moment, moment.addDays(1)});
+        QCOMPARE(QDateTime::currentDateTimeUtc(), moment);
+        QCOMPARE(QDateTime::currentDateTimeUtc(), moment.addDays(1));
+        QCOMPARE(QDateTime::currentDateTimeUtc(), moment.addDays(1));
+    }
+
+    void zone_set_isTheProcessZone()
+    {
+        const QDateTime noon(QDate(2024, 3, 7), QTime(12, 0), Qt::UTC);
+        const Zone moscow("Europe/Moscow");
+        QCOMPARE(noon.toLocalTime().time(), QTime(15, 0));
+        const Zone kolkata("Asia/Kolkata");
+        QCOMPARE(noon.toLocalTime().time(), QTime(17, 30));
+    }
+
+    void log_warning_isKeptWithItsContext()
+    {
+        qWarning("a line");
+        const QList<LogLine> lines = MessageLog::take();
+        QCOMPARE(lines.size(), 1);
+        QCOMPARE(lines.at(0).level, QtWarningMsg);
+        QCOMPARE(lines.at(0).category, QStringLiteral("default"));
+        QCOMPARE(lines.at(0).file, QStringLiteral("tests/support/tst_support.cpp"));
+        QVERIFY(lines.at(0).function.contains(QStringLiteral("log_warning_isKeptWithItsContext")));
+        QCOMPARE(lines.at(0).text, QStringLiteral("a line"));
+    }
+
+    void log_warningNotTaken_failsTheTest()
+    {
+        const auto child = ChildProcess::start("leavesAWarning");
+        QCOMPARE(ChildProcess::finish(*child), 1);
+        QVERIFY(child->readAll().contains("unexpected in the log"));
+    }
+
+    void workDirectory_ofAChild_isTheParents()
+    {
+        const auto child = ChildProcess::start("makesAFile");
+        QCOMPARE(ChildProcess::finish(*child), 0);
+        QVERIFY(QFile::exists(WorkDirectory::path() + QStringLiteral("/made-by-child")));
+    }
+
+    void golden_differentText_isReportedAsADiff()
+    {
+        QFile file(WorkDirectory::path() + QStringLiteral("/text"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("one\n");
+        file.close();
+        QCOMPARE(Golden::difference(file.fileName(), "one\n"), QString());
+        QVERIFY(Golden::difference(file.fileName(), "two\n").contains(QStringLiteral("-one\n+two\n")));
+        QVERIFY(Golden::difference(file.fileName() + QStringLiteral(".missing"), "one\n")
+                    .contains(QStringLiteral("no golden file")));
+    }
+};
+
+/// Not a test by itself: the child above runs it and must see it fail.
+class CarelessTest : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void warns() { qWarning("nobody takes this"); }
+};
+
+TEST_CHILD(leavesAWarning)
+{
+    CarelessTest test;
+    return QTest::qExec(&test, QStringList{QStringLiteral("careless")});
+}
+
+TEST_CHILD(makesAFile)
+{
+    QFile file(WorkDirectory::path() + QStringLiteral("/made-by-child"));
+    return file.open(QIODevice::WriteOnly) ? 0 : 1;
+}
+
+TEST_MAIN(SupportTest)
+#include "tst_support.moc"

@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 #include <QDeadlineTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTcpSocket>
 
 /// A plain client over a socket: it sends what it is told and waits for what comes, without an event loop, so that each
@@ -115,3 +117,18 @@ private:
     QTcpSocket m_socket;
     QByteArray m_received;
 };
+
+/// Of a ParkingCheck, but for the length of the body and the empty line.
+const QByteArray CHECK_HEAD =
+    "POST /api/ParkingCheck HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/soap+xml\r\n";
+
+[[nodiscard]] inline QJsonObject jsonOf(const HttpClient::Answer &answer)
+{
+    return QJsonDocument::fromJson(answer.body).object();
+}
+
+/// What /admin says.
+[[nodiscard]] inline QJsonObject adminJson(int port, const QByteArray &path)
+{
+    return jsonOf(HttpClient::exchange(port, "GET", path));
+}

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "httpclient.h"
+#include "requests.h"
 #include "server.h"
 #include "support/workdirectory.h"
 
 #include <QByteArray>
+#include <QTest>
 
 /// The moment at which the services of tests stand still: 2024-03-07T14:05:09 in Moscow.
 constexpr cash::Moment NOW = 1'709'809'509;
@@ -51,4 +54,9 @@ inline QByteArray resultCode(const QByteArray &xml)
     const int begin = xml.indexOf(mark);
     return begin < 0 ? QByteArray()
                      : xml.mid(begin + mark.size(), xml.indexOf('"', begin + mark.size()) - begin - mark.size());
+}
+
+inline void verifyStillServes(const RunningService &service)
+{
+    QCOMPARE(resultCode(HttpClient::parkingCheck(service.port(), Requests::parkingCheck()).body), QByteArray("1"));
 }

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QVariantMap>
+#include <QVector>
+#include <QWidget>
+
+class SessionManager;
+
+/// A stack of named views of which at most one is up; with none up it shows a quiet waiting page.
+///
+/// With a parent it covers it, follows its size, and comes on top whenever it is shown: so a question is laid over a
+/// form. It starts hidden. Views that are not up get neither touch nor keys, nor does what the viewer covers get keys.
+/// Any view may be deleted at any moment by anybody: the viewer then does without it.
+class FormViewer : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// @param session whose form project views come from; not owned, may be null.
+    /// @param fullScreen whether show() of a viewer without a parent takes the whole screen.
+    /// @param parent what the viewer covers, may be null.
+    explicit FormViewer(SessionManager *session = nullptr, bool fullScreen = false, QWidget *parent = nullptr);
+    ~FormViewer() override;
+
+    /// @return the view of that name among this viewer's own ones (a viewer laid over it has its own), else null.
+    [[nodiscard]] QWidget *getUi(const QString &name) const;
+
+    /// Puts that view up, alone. A name that the viewer does not have changes nothing and is logged as a warning.
+    void showWidget(const QString &name);
+
+    /// Loads a ".ui" file with Qt's UI loader as the view @a name, in place of an earlier one of that name, and puts it
+    /// up. Besides Qt's own widgets the file may use the classes MessageText and WaitIndicator. A broken or empty file
+    /// gives the built-in message view, and a warning that tells the path, the reason and what to do.
+    /// @param properties properties to set on the view, by name; those it does not have become dynamic ones.
+    /// @return false when there is no such file: nothing is changed then.
+    bool loadFromFile(const QString &path, const QString &name, const QVariantMap &properties);
+
+    /// Takes the widget over as the view @a name, in place of an earlier one of that name, and puts it up.
+    void addView(QWidget *view, const QString &name);
+    /// Takes the widget down and forgets it, without deleting it; nothing happens if it is no view of this viewer.
+    void removeView(QWidget *view);
+
+    /// The name of the view that is up; empty while the waiting page is.
+    [[nodiscard]] QString currentView() const;
+
+    [[nodiscard]] SessionManager *session() const;
+
+Q_SIGNALS:
+    /// Another view is up, or none. @param name as currentView() says.
+    void currentViewChanged(const QString &name);
+
+private:
+    struct View
+    {
+        QString name;
+        QPointer<QWidget> widget;
+    };
+
+    QPointer<SessionManager> m_session;
+    bool m_fullScreen;
+    QVector<View> m_views;
+    QString m_current;
+};

@@ -15,10 +15,10 @@ public:
     /// @param id the provider's number, from 1.
     Provider(qint64 id, const QString &name, QObject *parent = nullptr);
 
-    [[nodiscard]] qint64 id() const { return m_id; }
-    [[nodiscard]] QString name() const { return m_name; }
+    [[nodiscard]] qint64 id() const;
+    [[nodiscard]] QString name() const;
 
-    [[nodiscard]] QList<ProviderParameter> parameters() const { return m_parameters; }
+    [[nodiscard]] QList<ProviderParameter> parameters() const;
     /// Replaces them all; emits parametersChanged().
     void setParameters(const QList<ProviderParameter> &parameters);
 

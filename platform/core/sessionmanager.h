@@ -19,12 +19,12 @@ public:
     explicit SessionManager(FormProject *project, QObject *parent = nullptr);
 
     /// Null where the session has none.
-    [[nodiscard]] FormProject *activeProject() const { return m_activeProject; }
-    void setActiveProject(FormProject *project) { m_activeProject = project; }
+    [[nodiscard]] FormProject *activeProject() const;
+    void setActiveProject(FormProject *project);
 
     /// What plugins leave for each other and for their own later stages, by keys of their own.
-    [[nodiscard]] QVariantMap pluginsData() const { return m_pluginsData; }
-    void setPluginsData(const QVariantMap &data) { m_pluginsData = data; }
+    [[nodiscard]] QVariantMap pluginsData() const;
+    void setPluginsData(const QVariantMap &data);
 
 Q_SIGNALS:
     /// A parking card was read. Emitted by the host for the reader's message on the terminal's bus.

@@ -1,0 +1,598 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "parkomatpluginhandler.h"
+
+#include "bus/logger.h"
+#include "bus/logvariant.h"
+#include "core/payment.h"
+#include "core/paypack.h"
+#include "core/provider.h"
+#include "core/sessionmanager.h"
+#include "core/terminalappsettings.h"
+#include "guiclient/formproject.h"
+#include "guiclient/widgetnames.h"
+#include "parkingcheckrequest.h"
+#include "parkinfopayrequest.h"
+#include "parkomataccessmanager.h"
+#include "parkomatlog.h"
+#include "parkomatpluginsettingswidget.h"
+#include "parkomatsettings.h"
+
+#include <QCoreApplication>
+#include <QDataStream>
+#include <QDateTime>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QLocale>
+#include <QTime>
+#include <QTimer>
+
+namespace {
+constexpr long long PROVIDER_ID = 18156;
+
+/// When this file was compiled; the compiler pads the day with a blank.
+QString buildMoment()
+{
+    const QString text = QStringLiteral("%1 %2").arg(QLatin1String(__DATE__), QLatin1String(__TIME__)).simplified();
+    return QLocale(QStringLiteral("en"))
+        .toDateTime(text, QStringLiteral("MMM d yyyy hh:mm:ss"))
+        .toString(Qt::ISODate);
+}
+
+// Built in this order when the library is loaded. The message type and the string identifier below name another plugin
+// of the family on purpose: the host routes the bus's messages and loads resources by them.
+const QSet<long long> SUPPORTED_PROVIDERS = {PROVIDER_ID};
+const QString pluginMessageType = QStringLiteral("tarvSchoolCardPluginRequest");
+const QString PARKOMAT_PLUGIN_VERSION = QStringLiteral("5.0.10");
+const QString PARKOMAT_PLUGIN_BUILD = buildMoment();
+
+const char PLUGIN_STRING_ID[] = "tarvSchoolCardPlugin";
+constexpr int PLUGIN_ID = 2023;
+
+// The form viewers' name for the view that shows messages.
+const char MESSAGES_VIEW[] = "messagesView";
+
+// The host's kinds of message, and its exit codes.
+constexpr int KIND_WAIT = 0;
+constexpr int KIND_ERROR = 1;
+constexpr int KIND_PROMPT = 2;
+constexpr int KIND_QUESTION = 110;
+constexpr int EXIT_YES = 1;
+constexpr int EXIT_PROMPT_OK = 3;
+
+// Seconds that a message stays up before it closes by itself.
+constexpr int WAIT_CARD_SECONDS = 30;
+constexpr int CANCEL_QUESTION_SECONDS = 15;
+constexpr int CONFIRMATION_SECONDS = 30;
+
+// Milliseconds.
+constexpr int DETAILS_DELAY = 2000;
+constexpr int PAY_RESPONSE_POLL = 1000;
+
+// Keys of the session's data: what the plugin leaves for its own later stage.
+const char PARCOMAT_DATA[] = "parcomatData";
+const char CARD_DATA[] = "cardData";
+const char TOTAL_CHARGE[] = "totalCharge";
+
+/// Stands in for the payload that only a card reader can read.
+const char MANUAL_PDATA[] = "01312211020202190000000100000000";
+
+template <typename Object>
+void release(QPointer<Object> &object)
+{
+    if (!object)
+        return;
+    object->deleteLater();
+    object.clear();
+}
+
+template <typename Widget>
+void hideAndRelease(QPointer<Widget> &widget)
+{
+    if (widget)
+        widget->hide();
+    release(widget);
+}
+
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+/// The wall clock's time of day, deliberately: a clock that is set while it runs shortens or lengthens what it shows.
+class Stopwatch
+{
+public:
+    Stopwatch() { m_start.start(); }
+    /// Milliseconds.
+    [[nodiscard]] int elapsed() const { return m_start.elapsed(); }
+
+private:
+    QTime m_start;
+};
+QT_WARNING_POP
+
+ProviderParameter inputParameter(const char *name, const QString &label, const char *keyboardType)
+{
+    ProviderParameter parameter;
+    parameter.setName(QLatin1String(name));
+    parameter.setLabel(label);
+    parameter.setCheckLabel(QString());
+    parameter.setKeyboardType(QLatin1String(keyboardType));
+    return parameter;
+}
+} // namespace
+
+Q_LOGGING_CATEGORY(PARKOMAT_PLUGIN_LOG, "parkomat")
+
+ParkomatPluginHandler::ParkomatPluginHandler(QObject *parent) : QObject(parent)
+{
+    qCDebug(PARKOMAT_PLUGIN_LOG).noquote() << "NALOG_CONSTRUCTOR";
+}
+
+ParkomatPluginHandler::~ParkomatPluginHandler()
+{
+    qCDebug(DEFAULT_LOG).noquote() << "ParkomatPluginHandler plugin destructor";
+    qCDebug(PARKOMAT_PLUGIN_LOG).noquote() << "NALOG_DESTRUCTOR";
+}
+
+// Identity
+
+QString ParkomatPluginHandler::pluginVersion() const
+{
+    return PARKOMAT_PLUGIN_VERSION;
+}
+
+QString ParkomatPluginHandler::pluginBuild() const
+{
+    return PARKOMAT_PLUGIN_BUILD;
+}
+
+QSet<long long> ParkomatPluginHandler::supportedProviders() const
+{
+    return SUPPORTED_PROVIDERS;
+}
+
+QString ParkomatPluginHandler::pluginDescription()
+{
+    return QStringLiteral("Плагин паркомата");
+}
+
+QVariantMap ParkomatPluginHandler::pluginFormTemplates()
+{
+    return {};
+}
+
+QVariantMap ParkomatPluginHandler::pluginFormTemplate(const QString & /*name*/, const QString & /*type*/)
+{
+    return {};
+}
+
+int ParkomatPluginHandler::pluginId()
+{
+    return PLUGIN_ID;
+}
+
+QString ParkomatPluginHandler::pluginStringId()
+{
+    return QLatin1String(PLUGIN_STRING_ID);
+}
+
+QVariantList ParkomatPluginHandler::getStompFilters()
+{
+    return {pluginMessageType};
+}
+
+// What the host hands over
+
+bool ParkomatPluginHandler::setMessageReciever(QObject *receiver, const char *slot)
+{
+    m_messageReceiver = receiver;
+    m_messageReceiverSlot = slot;
+    return true;
+}
+
+bool ParkomatPluginHandler::setMessageSender(QObject *sender, const char *signal)
+{
+    m_messageSender = sender;
+    m_messageSenderSignal = signal;
+    return true;
+}
+
+void ParkomatPluginHandler::setTrelmInfo(const TrelmInfo &info)
+{
+    m_trelmInfo = info;
+}
+
+IPayByProviderSettingsWidget *ParkomatPluginHandler::getSettingsWidget()
+{
+    if (!m_settingsWidget)
+        m_settingsWidget = new ParkomatPluginSettingsWidget;
+    return m_settingsWidget;
+}
+
+// Start and stop
+
+IPayWidget *ParkomatPluginHandler::start(Provider *provider, const Currency &currency, SessionManager *session)
+{
+    m_currency = currency;
+    // Each payment gets a client of its own. The last one stays alive, a child of the handler: its answer may be late.
+    m_accessManager.clear();
+    m_sessionManager = session;
+    // Connected again on every start and never undone, so that a command comes once for each start on this session.
+    if (session != nullptr)
+        connect(session, SIGNAL(newParcomatCardDataCommand(QString,QVariantMap)), this,
+                SLOT(newParcomatCardDataCommandHandler(QString,QVariantMap)));
+    m_provider = provider;
+    const FormProject *project = session != nullptr ? session->activeProject() : nullptr;
+    m_projectDir = project != nullptr ? project->projectDir() : QString();
+    if (!m_formViewer) {
+        m_formViewer = new PluginBaseFormViewer(session, provider, currency, pluginMessageType);
+        m_formViewer->setMessageReciever(m_messageReceiver, m_messageReceiverSlot.constData());
+        m_formViewer->setMessageSender(m_messageSender, m_messageSenderSignal.constData());
+        m_formViewer->setInfo(m_trelmInfo);
+    }
+    qCDebug(PARKOMAT_PLUGIN_LOG).noquote() << "NALOG_PLUGIN_STARTED";
+    checkPluginViewLoadHelper();
+    return m_formViewer;
+}
+
+void ParkomatPluginHandler::stop()
+{
+    hideAndRelease(m_helperViewer);
+    release(m_helperMessageController);
+    hideAndRelease(m_formViewer);
+    hideAndRelease(m_settingsWidget);
+}
+
+void ParkomatPluginHandler::checkPluginViewLoadHelper()
+{
+    if (m_viewLoadHelper)
+        return;
+    m_viewLoadHelper = new PluginViewLoadHelper(pluginId(), pluginStringId(), m_projectDir, m_formViewer);
+    m_viewLoadHelper->setParent(this);
+}
+
+void ParkomatPluginHandler::createParkingAccessManager()
+{
+    if (m_accessManager)
+        return;
+    m_accessManager = new ParkomatAccessManager(this);
+    connect(m_accessManager, SIGNAL(error(QVariantMap)), this, SLOT(parkomatAccessManagerErrorHandler(QVariantMap)));
+    connect(m_accessManager, SIGNAL(parkingCheckResponse(ParkingCheckResponse)), this,
+            SLOT(parkingCheckResponseHandler(ParkingCheckResponse)));
+    connect(m_accessManager, SIGNAL(parkInfoPayResponse(ParkInfoPayResponse)), this,
+            SLOT(parkInfoPayResponseHandler(ParkInfoPayResponse)));
+}
+
+// Message views
+
+void ParkomatPluginHandler::showMessagesView(FormViewer *viewer)
+{
+    const QString name = QLatin1String(MESSAGES_VIEW);
+    if (viewer->getUi(name) != nullptr) {
+        viewer->showWidget(name);
+        return;
+    }
+    if (!m_sessionManager || m_sessionManager->activeProject() == nullptr)
+        return;
+    const QString path = QDir::fromNativeSeparators(m_projectDir + QDir::separator() +
+                                                    WidgetNames(false, nullptr).messageViewFileName());
+    if (QFile::exists(path))
+        viewer->loadFromFile(path, name, {});
+}
+
+QPointer<MessageWidgetController> ParkomatPluginHandler::loadMessagesView()
+{
+    release(m_messageController);
+    if (m_formViewer)
+        showMessagesView(m_formViewer);
+    m_messageController = new MessageWidgetController(this);
+    m_messageController->setUi(m_formViewer ? m_formViewer->getUi(QLatin1String(MESSAGES_VIEW)) : nullptr);
+    return m_messageController;
+}
+
+QPointer<MessageWidgetController> ParkomatPluginHandler::loadHelperMessagesView()
+{
+    if (!m_helperViewer && m_formViewer)
+        m_helperViewer = new FormViewer(m_sessionManager, false, m_formViewer);
+    release(m_helperMessageController);
+    if (m_helperViewer)
+        showMessagesView(m_helperViewer);
+    m_helperMessageController = new MessageWidgetController(this);
+    m_helperMessageController->setUi(m_helperViewer ? m_helperViewer->getUi(QLatin1String(MESSAGES_VIEW)) : nullptr);
+    return m_helperMessageController;
+}
+
+void ParkomatPluginHandler::hideHelperMessagesView()
+{
+    release(m_helperMessageController);
+    if (!m_helperViewer)
+        return;
+    m_helperViewer->hide();
+    // It dies with the form viewer, its parent.
+    m_helperViewer.clear();
+}
+
+FormViewer *ParkomatPluginHandler::helperViewer() const
+{
+    return m_helperViewer;
+}
+
+// Cancelling
+
+QPointer<MessageWidgetController> ParkomatPluginHandler::loadPermitCancelMessagesView()
+{
+    QPointer<MessageWidgetController> controller = loadHelperMessagesView();
+    controller->initMessage(QStringLiteral("Все данные будут потеряны. Продолжить отмену платежа?"),
+                            CANCEL_QUESTION_SECONDS, KIND_QUESTION);
+    return controller;
+}
+
+void ParkomatPluginHandler::permitCancel()
+{
+    const QPointer<MessageWidgetController> controller = loadPermitCancelMessagesView();
+    if (!m_helperViewer || !controller)
+        return;
+    connect(controller, SIGNAL(finish(int)), this, SLOT(permitCancelMessageResult(int)));
+    m_helperViewer->show();
+}
+
+void ParkomatPluginHandler::permitCancelMessageResult(int exitCode)
+{
+    if (exitCode == EXIT_YES)
+        cancelAcceptHandler();
+    else
+        hideHelperMessagesView();
+}
+
+void ParkomatPluginHandler::cancelAcceptHandler()
+{
+    hideHelperMessagesView();
+    if (m_formViewer)
+        Q_EMIT m_formViewer->needCancel();
+}
+
+void ParkomatPluginHandler::exitFromMessage()
+{
+    release(m_messageController);
+    if (m_formViewer)
+        Q_EMIT m_formViewer->needCancel();
+}
+
+void ParkomatPluginHandler::exitFromMessageCode(int /*code*/)
+{
+    exitFromMessage();
+}
+
+// Card acquisition
+
+void ParkomatPluginHandler::showInitScreen()
+{
+    const QPointer<MessageWidgetController> controller = loadMessagesView();
+    controller->initMessageSingleSignalMode(QStringLiteral("Приложите парковочную карту"), WAIT_CARD_SECONDS,
+                                            KIND_PROMPT);
+    controller->setOkCaption(QStringLiteral("Ввести\nвручную"));
+    connect(controller, SIGNAL(finish(int)), this, SLOT(waitCardMsgHandler(int)));
+
+    if (!m_sessionManager)
+        return;
+    const QString key = QString::number(PROVIDER_ID);
+    QVariantMap data = m_sessionManager->pluginsData();
+    if (!data.contains(key))
+        return;
+    newParcomatCardDataCommandHandler(QStringLiteral("parkomatCardData"), data.value(key).toMap());
+    data.remove(key);
+    if (m_sessionManager)
+        m_sessionManager->setPluginsData(data);
+}
+
+void ParkomatPluginHandler::waitCardMsgHandler(int code)
+{
+    if (code == EXIT_PROMPT_OK)
+        showCardNumberInputScreen();
+    else
+        exitFromMessage();
+}
+
+void ParkomatPluginHandler::newParcomatCardDataCommandHandler(const QString & /*command*/, const QVariantMap &data)
+{
+    qCWarning(DEFAULT_LOG).noquote() << logvariant(data);
+    // A card that was read once stays, whatever comes later.
+    if (!m_cardData.isValid())
+        m_cardData.parseMap(data);
+    qCWarning(DEFAULT_LOG).noquote() << ParkingCheckRequest(m_cardData).toXml();
+    sendParkingCheckRequest();
+}
+
+void ParkomatPluginHandler::showInputScreen(const ProviderParameter &parameter, QObject *backReceiver,
+                                            const char *backMethod, const char *nextSlot)
+{
+    release(m_messageController);
+    delete m_inputController;
+    m_inputController =
+        new PluginProviderParameterInputController(m_sessionManager, m_formViewer, QString(), QString(), this);
+    if (backReceiver != nullptr)
+        connect(m_inputController, SIGNAL(needBack()), backReceiver, backMethod);
+    connect(m_inputController, SIGNAL(needNext(QString)), this, nextSlot);
+    m_inputController->setParameter(m_provider ? m_provider->name() : QString(), parameter, false);
+}
+
+void ParkomatPluginHandler::showCardNumberInputScreen()
+{
+    showInputScreen(inputParameter("id", QStringLiteral("Введите номер карты"), "number"), m_formViewer,
+                    SIGNAL(needCancel()), SLOT(cardNumberInputHandler(QString)));
+}
+
+void ParkomatPluginHandler::cardNumberInputHandler(const QString &text)
+{
+    m_manualCard.insert(QStringLiteral("cardId"), text);
+    m_manualCard.insert(QStringLiteral("cdt"), 1);
+    m_manualCard.insert(QStringLiteral("pdata"), QLatin1String(MANUAL_PDATA));
+    m_cardData.setId(text);
+    showCardUidInputScreen();
+}
+
+void ParkomatPluginHandler::showCardUidInputScreen()
+{
+    ProviderParameter parameter = inputParameter("uid", QStringLiteral("Введите UID карты"), "full");
+    parameter.setKeyboardLanguage(QStringLiteral("en"));
+    showInputScreen(parameter, this, SLOT(showCardNumberInputScreen()), SLOT(cardUidInputHandler(QString)));
+}
+
+void ParkomatPluginHandler::cardUidInputHandler(const QString &uid)
+{
+    const QByteArray bytes = QByteArray::fromHex(uid.toLatin1());
+    QDataStream stream(bytes);
+    qint32 number = 0;
+    stream >> number;
+    m_manualCard.insert(QStringLiteral("id"), static_cast<quint32>(number));
+    newParcomatCardDataCommandHandler(QString(), QVariantMap(m_manualCard));
+}
+
+void ParkomatPluginHandler::showCarNumberInputScreen()
+{
+    const QString label = QStringLiteral("Номер карты: %1. Введите номер автомобиля.").arg(m_cardData.id());
+    showInputScreen(inputParameter("car_number", label, "number"), m_formViewer, SIGNAL(needCancel()),
+                    SLOT(carNumberInputHandler(QString)));
+}
+
+void ParkomatPluginHandler::carNumberInputHandler(const QString & /*car*/) {}
+
+// Parking check
+
+void ParkomatPluginHandler::sendParkingCheckRequest()
+{
+    createParkingAccessManager();
+    m_accessManager->postData(ParkingCheckRequest(m_cardData));
+    const QPointer<MessageWidgetController> controller = loadMessagesView();
+    controller->initMessageSingleSignalMode(QStringLiteral("Проверка информации, подождите..."),
+                                            TerminalAppSettings().onlineCheckTimeout(), KIND_WAIT);
+    connect(controller, SIGNAL(finish(int)), this, SLOT(exitFromMessageCode(int)));
+    if (m_formViewer)
+        connect(controller, SIGNAL(tick()), m_formViewer, SIGNAL(needTick()));
+}
+
+void ParkomatPluginHandler::parkingCheckResponseHandler(const ParkingCheckResponse &response)
+{
+    release(m_messageController);
+    m_lastCheckResponse = response;
+    fillProviderParameters();
+    // The timer dies with the form viewer it was armed for.
+    if (m_formViewer)
+        QTimer::singleShot(DETAILS_DELAY, m_formViewer.data(), &PluginBaseFormViewer::needShowPayDetail);
+}
+
+std::optional<QString> ParkomatPluginHandler::parameterValue(const QString &name) const
+{
+    const ParkingCheckResponse &response = m_lastCheckResponse;
+    if (name == QLatin1String("card_num"))
+        return m_cardData.id();
+    if (name == QLatin1String("SummToPay"))
+        return response.totalCharge().toString();
+    if (name == QLatin1String("TermNo"))
+        return ParkomatSettings().termId();
+    if (name == QLatin1String("ParkNumber"))
+        return ParkomatSettings().parkingId();
+    if (name == QLatin1String("StartDate"))
+        return response.startTime().date().toString(QStringLiteral("yyyy-MM-dd"));
+    if (name == QLatin1String("StartTime"))
+        return response.startTime().time().toString(QStringLiteral("hh:mm:ss"));
+    if (name == QLatin1String("UIN"))
+        return response.sessionId();
+    return std::nullopt;
+}
+
+void ParkomatPluginHandler::fillProviderParameters()
+{
+    QList<ProviderParameter> parameters = m_provider ? m_provider->parameters() : QList<ProviderParameter>();
+    for (ProviderParameter &parameter : parameters) {
+        if (const std::optional<QString> value = parameterValue(parameter.name()))
+            parameter.setValue(*value);
+    }
+    if (m_sessionManager) {
+        QVariantMap data = m_sessionManager->pluginsData();
+        data.insert(QLatin1String(PARCOMAT_DATA),
+                    QVariantMap{{QLatin1String(CARD_DATA), m_cardData.toMap()},
+                                {QLatin1String(TOTAL_CHARGE), m_lastCheckResponse.totalCharge().toString()}});
+        m_sessionManager->setPluginsData(data);
+    }
+    if (m_provider)
+        m_provider->setParameters(parameters);
+}
+
+void ParkomatPluginHandler::parkomatAccessManagerErrorHandler(const QVariantMap &error)
+{
+    const QPointer<MessageWidgetController> controller = loadMessagesView();
+    controller->initMessageSingleSignalMode(error.value(QStringLiteral("errorMessage")).toString(),
+                                            TerminalAppSettings().autoCloseMessagesAfter(), KIND_ERROR);
+    connect(controller, SIGNAL(finish(int)), this, SLOT(exitFromMessageCode(int)));
+}
+
+// Payment confirmation
+
+void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager * /*session*/, PayPack *pack)
+{
+    if (!m_provider) {
+        qCCritical(DEFAULT_LOG).noquote() << "INVALID PLUGIN PROVIDER";
+        return;
+    }
+    Payment merged;
+    for (const Payment &payment : pack != nullptr ? pack->payments() : QList<Payment>()) {
+        if (payment.providerId() != m_provider->id())
+            continue;
+        if (merged.providerId() < 1) {
+            merged = payment;
+            continue;
+        }
+        qCWarning(DEFAULT_LOG).noquote() << "SOME PAYS FOR PROVIDER:" << m_provider->name();
+        merged.setSumm(merged.summ() + payment.summ());
+        merged.setComission(merged.comission() + payment.comission(), merged.usePrepay(), merged.devidePrepay());
+    }
+
+    loadMessagesView()->initMessageSingleSignalMode(QStringLiteral("Выполняется подтверждение операции..."),
+                                                    CONFIRMATION_SECONDS, KIND_WAIT);
+    createParkingAccessManager();
+    const QVariantMap data =
+        m_sessionManager ? m_sessionManager->pluginsData().value(QLatin1String(PARCOMAT_DATA)).toMap() : QVariantMap();
+    m_cardData.parseMap(data.value(QLatin1String(CARD_DATA)).toMap());
+    const FixNumber totalCharge(100, data.value(QLatin1String(TOTAL_CHARGE)).toString());
+    m_accessManager->postData(ParkInfoPayRequest(m_cardData, merged, totalCharge));
+    waitForPayResponse();
+}
+
+void ParkomatPluginHandler::waitForPayResponse()
+{
+    QEventLoop loop;
+    bool isHandlerGone = false;
+    connect(this, &QObject::destroyed, &loop, [&loop, &isHandlerGone] {
+        isHandlerGone = true;
+        loop.quit();
+    });
+    const Stopwatch stopwatch;
+    QCoreApplication::processEvents();
+    if (isHandlerGone)
+        return;
+    // Cleared only behind the event pass: an answer that came in it is forgotten, and the whole limit is waited for.
+    m_isPayResponseArrived = false;
+    const int limit = static_cast<quint16>(TerminalAppSettings().onlineCheckTimeout()) * 1000;
+
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &loop, [this, &loop, &isHandlerGone, &stopwatch, limit] {
+        if (!isHandlerGone && !m_isPayResponseArrived && stopwatch.elapsed() < limit)
+            return;
+        loop.quit();
+        QCoreApplication::processEvents();
+    });
+    poll.start(PAY_RESPONSE_POLL);
+    QCoreApplication::processEvents();
+    if (!isHandlerGone)
+        loop.exec();
+}
+
+void ParkomatPluginHandler::parkInfoPayResponseHandler(const ParkInfoPayResponse &response)
+{
+    qCWarning(DEFAULT_LOG).noquote() << response.resultCode() << response.errorInfo();
+    if (response.resultCode() != BaseParkomatResponse::SUCCESS)
+        qCCritical(trelmbus::LOGGER).noquote() << "НУЖНО ОБРАБАТЫВАТЬ ОШИБКУ! ЧТО ДЕЛАТЬ С ПЛАТЕЖОМ И ДЕНЬГАМИ?";
+    release(m_messageController);
+    m_isPayResponseArrived = true;
+}

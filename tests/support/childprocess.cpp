@@ -37,17 +37,16 @@ int ChildProcess::finish(QProcess &process)
     return process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
-bool ChildProcess::isChild(int argc, char **argv)
+bool ChildProcess::isChild()
 {
-    return argc > 2 && qstrcmp(argv[1], CHILD) == 0;
+    return QCoreApplication::arguments().value(1) == QLatin1String(CHILD);
 }
 
-int ChildProcess::runChild(int argc, char **argv)
+int ChildProcess::runChild()
 {
-    QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const Function function = functions().value(arguments.at(2));
+    const Function function = functions().value(arguments.value(2));
     if (function == nullptr)
-        qFatal("there is no child function %s", qPrintable(arguments.at(2)));
+        qFatal("there is no child function %s", qPrintable(arguments.value(2)));
     return function(arguments.mid(3));
 }

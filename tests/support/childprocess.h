@@ -20,8 +20,9 @@ start(const char *name, const QStringList &arguments = {},
 /// Waits for the end and returns the exit status, or -1 when it crashed or took longer than 30 s.
 [[nodiscard]] int finish(QProcess &process);
 
-[[nodiscard]] bool isChild(int argc, char **argv);
-[[nodiscard]] int runChild(int argc, char **argv);
+// By the application's arguments.
+[[nodiscard]] bool isChild();
+[[nodiscard]] int runChild();
 
 struct Registration
 {

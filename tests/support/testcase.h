@@ -32,9 +32,21 @@ private:
 #define TEST_MAIN(TestClass)                                                                                           \
     int main(int argc, char **argv)                                                                                    \
     {                                                                                                                  \
-        if (ChildProcess::isChild(argc, argv))                                                                         \
-            return ChildProcess::runChild(argc, argv);                                                                 \
-        QCoreApplication application(argc, argv);                                                                      \
-        TestClass test;                                                                                                \
-        return QTest::qExec(&test, argc, argv);                                                                        \
+        const QCoreApplication application(argc, argv);                                                                \
+        TEST_RUN(TestClass)                                                                                            \
     }
+
+/// The same for tests with widgets, which are drawn into memory. The file includes <QApplication>.
+#define WIDGET_TEST_MAIN(TestClass)                                                                                    \
+    int main(int argc, char **argv)                                                                                    \
+    {                                                                                                                  \
+        qputenv("QT_QPA_PLATFORM", "offscreen");                                                                       \
+        const QApplication application(argc, argv);                                                                    \
+        TEST_RUN(TestClass)                                                                                            \
+    }
+
+#define TEST_RUN(TestClass)                                                                                            \
+    if (ChildProcess::isChild())                                                                                       \
+        return ChildProcess::runChild();                                                                               \
+    TestClass test;                                                                                                    \
+    return QTest::qExec(&test, argc, argv);

@@ -52,7 +52,8 @@ class Terminal : public QObject
     Q_OBJECT
 
 public:
-    enum class Screen {
+    enum class Screen
+    {
         Idle,
         Form,    ///< the plugin's own views: messages, hand input
         Details, ///< the form's details view, and money

@@ -4,7 +4,6 @@
 
 #include "ledger/ledgerentry.h"
 
-#include <QSqlDatabase>
 #include <QVector>
 
 #include <stdexcept>

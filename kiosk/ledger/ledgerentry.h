@@ -5,11 +5,13 @@
 #include "extension/fixnumber.h"
 
 #include <QDateTime>
+#include <QMetaType>
 #include <QString>
 
 namespace kiosk {
 /// How far a payment came.
-enum class Outcome {
+enum class Outcome
+{
     Open,        ///< money is being taken
     Committing,  ///< the plugin registers it
     Confirmed,   ///< the payee is known to have it
@@ -45,3 +47,5 @@ struct LedgerEntry
     QString parkingSession;
 };
 } // namespace kiosk
+
+Q_DECLARE_METATYPE(kiosk::Outcome)

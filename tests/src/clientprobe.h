@@ -4,11 +4,9 @@
 
 #include "parkomataccessmanager.h"
 #include "parkomatsettings.h"
+#include "support/waiting.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QStringList>
-#include <QTimer>
 
 /// The cash service's answers that the client's tests let it see.
 namespace Answers {
@@ -66,25 +64,3 @@ inline void useService(quint16 port, const QString &path = QStringLiteral("api")
     settings.setCashServicePort(port);
     settings.setCashServicePath(path);
 }
-
-/// Lets events happen until the condition holds, for half a minute at most.
-template <typename Condition>
-void waitUntil(const Condition &condition)
-{
-    // Some conditions are met without an event here: a thread ends, a descriptor is closed.
-    constexpr int lookEveryMs = 5;
-    QTimer tick;
-    tick.start(lookEveryMs);
-    const QDeadlineTimer limit(30'000);
-    while (!condition() && !limit.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-}
-
-/// As QTRY_COMPARE, which looks 20 times a second only: too slow for hundreds of exchanges.
-#define WAIT_FOR(actual, expected)                                                                                     \
-    do {                                                                                                               \
-        waitUntil([&] { return (actual) == (expected); });                                                             \
-        QCOMPARE(actual, expected);                                                                                    \
-    } while (false)

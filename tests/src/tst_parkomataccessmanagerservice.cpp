@@ -3,42 +3,12 @@
 #include "clientprobe.h"
 #include "parkinfopayrequest.h"
 #include "parkingcheckrequest.h"
+#include "support/cashservice.h"
 #include "support/testcase.h"
 
 #include <QNetworkReply>
-#include <QProcess>
 
 namespace {
-/// The cash service's program on a free port, with its seeded car park and the faults given.
-class CashService
-{
-public:
-    explicit CashService(const QStringList &arguments = {})
-    {
-        constexpr int limit = 20'000;
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(QStringLiteral(CASH_SERVICE_PROGRAM),
-                        QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")} + arguments);
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(limit)) {
-        }
-        m_url = QUrl(QString::fromUtf8(m_process.readLine()).section(QStringLiteral(" on "), 1).trimmed());
-    }
-
-    ~CashService()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    CashService(const CashService &) = delete;
-    CashService &operator=(const CashService &) = delete;
-
-    [[nodiscard]] quint16 port() const { return static_cast<quint16>(m_url.port(0)); }
-
-private:
-    QProcess m_process;
-    QUrl m_url;
-};
-
 /// As the card reader gives it, by the UID in decimal.
 ParkomatCardData card(const QString &uid)
 {

@@ -5,18 +5,32 @@
 #include "support/testclock.h"
 #include "support/workdirectory.h"
 
+#include <algorithm>
+
 namespace {
-bool isLogIgnored = false;
+QStringList ignoredPaths;
+
+bool isUnexpected(const LogLine &line)
+{
+    return line.level != QtDebugMsg && line.level != QtInfoMsg &&
+           std::none_of(ignoredPaths.cbegin(), ignoredPaths.cend(),
+                        [&line](const QString &path) { return line.file.startsWith(path); });
+}
+} // namespace
+
+void TestCase::ignoreLogOf(const QString &path)
+{
+    ignoredPaths.append(path);
 }
 
 void TestCase::ignoreLog()
 {
-    isLogIgnored = true;
+    ignoreLogOf(QString());
 }
 
 void TestCase::init()
 {
-    isLogIgnored = false;
+    ignoredPaths.clear();
     WorkDirectory::clear();
     m_log = std::make_unique<MessageLog>();
 }
@@ -27,10 +41,10 @@ void TestCase::cleanup()
     QStringList left;
     const QList<LogLine> lines = MessageLog::take();
     for (const LogLine &line : lines) {
-        if (line.level != QtDebugMsg && line.level != QtInfoMsg)
+        if (isUnexpected(line))
             left.append(toString(line));
     }
     m_log.reset();
-    if (!isLogIgnored && !left.isEmpty())
+    if (!left.isEmpty())
         QFAIL(qPrintable(QStringLiteral("unexpected in the log:\n") + left.join(QLatin1Char('\n'))));
 }

@@ -16,6 +16,10 @@ class TestCase : public QObject
 {
     Q_OBJECT
 
+public:
+    /// Says that this test function does not look at lines from source files whose path begins so: "src/".
+    static void ignoreLogOf(const QString &path);
+
 protected:
     /// Says that this test function does not look at the log.
     static void ignoreLog();

@@ -1,0 +1,42 @@
+# Builds the plugin twice against a terminal's SDK, from two copies of the source tree in two folders, and demands the
+# same file bit for bit; then asks it when it was built.
+#   cmake -DSOURCE=FOLDER -DBUILD=FOLDER -DPRINT_BUILD=PROGRAM -P reproducible.cmake
+cmake_minimum_required(VERSION 3.25)
+
+# 4 March 2020, 11:37:47: a day that the compiler pads with a blank.
+set(ENV{SOURCE_DATE_EPOCH} 1583321867)
+set(MOMENT "2020-03-04T11:37:47")
+set(ENV{CCACHE_DISABLE} 1)
+
+set(scratch "${BUILD}/reproducible")
+file(REMOVE_RECURSE "${scratch}")
+foreach(name IN ITEMS first "second place")
+  set(tree "${scratch}/${name}")
+  file(COPY "${SOURCE}/CMakeLists.txt" "${SOURCE}/cmake" "${SOURCE}/src" "${SOURCE}/cashservice" DESTINATION "${tree}")
+  execute_process(
+    COMMAND "${CMAKE_COMMAND}" -G Ninja -S "${tree}" -B "${tree}/build" -DCMAKE_BUILD_TYPE=Release
+      -DPARKOMAT_PLATFORM=package "-DTerminalPlatform_DIR=${SOURCE}/tests/plugin/package"
+      "-DPLATFORM_LIBRARIES=${BUILD}/lib" "-DPLATFORM_HEADERS=${SOURCE}/platform" -DPARKOMAT_WERROR=ON
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(
+    COMMAND "${CMAKE_COMMAND}" --build "${tree}/build" --target parkomatplugin
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  file(RPATH_REMOVE FILE "${tree}/build/plugins/libparkomatplugin.so")
+  file(SHA256 "${tree}/build/plugins/libparkomatplugin.so" sum)
+  list(APPEND sums ${sum})
+endforeach()
+
+list(REMOVE_DUPLICATES sums)
+list(LENGTH sums files)
+if(NOT files EQUAL 1)
+  message(FATAL_ERROR "Two builds of one source differ: ${sums}")
+endif()
+set(ENV{LD_LIBRARY_PATH} "${BUILD}/lib")
+execute_process(
+  COMMAND "${PRINT_BUILD}" "${scratch}/first/build/plugins/libparkomatplugin.so"
+  OUTPUT_VARIABLE moment OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+if(NOT moment STREQUAL MOMENT)
+  message(FATAL_ERROR "The plugin says that it was built at \"${moment}\", it was at ${MOMENT}")
+endif()
+file(REMOVE_RECURSE "${scratch}")
+message("${sums}")

@@ -101,11 +101,7 @@ void Connection::refuse(int status)
 void Connection::close()
 {
     if (isRefused() && !m_hasAnswered && !m_hasFailed) {
-        const std::string text = statusText(m_refusal) + "\n";
-        m_answer =
-            "HTTP/1.1 " + statusText(m_refusal) +
-            "\r\nConnection: close\r\nContent-Type: text/plain\r\nContent-Length: " + std::to_string(text.size()) +
-            "\r\n\r\n" + text;
+        m_answer = refusalText(m_refusal);
         note();
         flush();
     }
@@ -248,6 +244,14 @@ void Connection::get_remote_ip_and_port(std::string &ip, int &port) const
 void Connection::get_local_ip_and_port(std::string &ip, int &port) const
 {
     addressOf(getsockname, m_socket, ip, port);
+}
+
+std::string refusalText(int status)
+{
+    const std::string text = statusText(status) + "\n";
+    return "HTTP/1.1 " + statusText(status) +
+           "\r\nConnection: close\r\nContent-Type: text/plain\r\nContent-Length: " + std::to_string(text.size()) +
+           "\r\n\r\n" + text;
 }
 
 std::string statusText(int status)

@@ -92,4 +92,6 @@ private:
 };
 
 [[nodiscard]] std::string statusText(int status);
+/// A whole HTTP answer of that status, behind which the connection is closed.
+[[nodiscard]] std::string refusalText(int status);
 } // namespace cash

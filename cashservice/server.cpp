@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "server.h"
 
+#include "acceptor.h"
 #include "adminapi.h"
-#include "connectionthreads.h"
 
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -15,7 +15,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <thread>
+#include <optional>
 #include <utility>
 
 namespace cash {
@@ -83,7 +83,6 @@ public:
     Http(Service &service, std::string path, const Limits &limits)
         : m_service(service), m_admin(service, m_journal), m_path(normalised(std::move(path))), m_limits(limits)
     {
-        new_task_queue = [] { return new ConnectionThreads; };
         set_tcp_nodelay(true);
         // Without this the port of a service that has just ended could not be taken; cpp-httplib's own choice would
         // also let two services share a port without noticing.
@@ -133,23 +132,23 @@ public:
         m_host = host;
         // cpp-httplib keeps a queue of five; many clients that come at once would wait a second for their next try.
         ::listen(svr_sock_, SOMAXCONN);
-        m_thread = std::thread([this] { listen_after_bind(); });
-        while (!is_running())
-            std::this_thread::yield();
+        m_threads.emplace([this](int socket) { serve(socket); }, m_limits.idle);
+        m_acceptor.emplace(svr_sock_, m_stopping, *m_threads);
     }
 
     void end()
     {
-        if (!m_thread.joinable())
-            return;
         eventfd_write(m_stopping, 1);
         {
             const std::lock_guard lock(m_waiting);
             m_isEnding = true;
         }
         m_ending.notify_all();
-        httplib::Server::stop();
-        m_thread.join();
+        m_acceptor.reset();
+        const int listening = svr_sock_.exchange(INVALID_SOCKET);
+        if (listening != INVALID_SOCKET)
+            ::close(listening);
+        m_threads.reset();
     }
 
     [[nodiscard]] int port() const { return m_port; }
@@ -160,7 +159,7 @@ public:
     }
 
 private:
-    bool process_and_close_socket(socket_t socket) override
+    void serve(int socket)
     {
         Connection connection(socket, m_stopping, m_limits, m_journal);
         currentConnection = &connection;
@@ -175,7 +174,6 @@ private:
         }
         connection.close();
         --m_connections;
-        return true;
     }
 
     /// An answer is sent whole: ranges are for documents, and cpp-httplib would cut any answer with them.
@@ -239,12 +237,14 @@ private:
     std::string m_host;
     int m_port = 0;
     std::atomic<int> m_connections = 0;
-    std::thread m_thread;
 
     int m_stopping = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     std::mutex m_waiting;
     std::condition_variable m_ending;
     bool m_isEnding = false;
+
+    std::optional<ConnectionThreads> m_threads;
+    std::optional<Acceptor> m_acceptor;
 };
 
 Server::Server(Service &service, std::string path, const Limits &limits)

@@ -4,10 +4,13 @@
 
 #include "httpclient.h"
 
+#include <QFileInfo>
 #include <QProcess>
 #include <QStringList>
 
 #include <csignal>
+
+#include <sys/resource.h>
 
 /// The program itself, on a free port.
 class ServiceProcess
@@ -46,6 +49,17 @@ public:
         ::kill(static_cast<pid_t>(m_process.processId()), signal);
         return m_process.waitForFinished(LIMIT) && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
                                                                                                   : -1;
+    }
+
+    /// From now on it may open so many descriptors more than it has.
+    [[nodiscard]] bool allowDescriptors(int more)
+    {
+        const QString open = QStringLiteral("/proc/%1/fd/%2").arg(m_process.processId());
+        int limit = 0;
+        for (; more > 0; ++limit)
+            more -= QFileInfo(open.arg(limit)).isSymLink() ? 0 : 1;
+        const rlimit limits = {static_cast<rlim_t>(limit), static_cast<rlim_t>(limit)};
+        return prlimit(static_cast<pid_t>(m_process.processId()), RLIMIT_NOFILE, &limits, nullptr) == 0;
     }
 
     [[nodiscard]] QByteArray errors() { return m_process.readAllStandardError(); }

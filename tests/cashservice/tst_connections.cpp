@@ -6,10 +6,29 @@
 #include "support/testcase.h"
 #include "support/zone.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 
+#include <atomic>
+#include <iostream>
 #include <set>
+#include <sstream>
 #include <thread>
+
+#include <dlfcn.h>
+#include <pthread.h>
+
+namespace {
+std::atomic<bool> areThreadsOut = false;
+}
+
+// The C++ library finds this in place of the C library's.
+extern "C" int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*function)(void *),
+                              void *data)
+{
+    static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return areThreadsOut ? EAGAIN : real(thread, attributes, function, data);
+}
 
 namespace {
 cash::Limits shortOfTime()
@@ -18,6 +37,28 @@ cash::Limits shortOfTime()
     limits.request = std::chrono::milliseconds(300);
     limits.idle = std::chrono::milliseconds(300);
     return limits;
+}
+
+/// While it lives, standard error goes here.
+class Errors
+{
+public:
+    Errors() : m_before(std::cerr.rdbuf(m_text.rdbuf())) {}
+    ~Errors() { std::cerr.rdbuf(m_before); }
+    Errors(const Errors &) = delete;
+    Errors &operator=(const Errors &) = delete;
+
+    [[nodiscard]] QByteArray text() const { return QByteArray::fromStdString(m_text.str()); }
+
+private:
+    std::ostringstream m_text;
+    std::streambuf *m_before;
+};
+
+int threadsOfThisProcess()
+{
+    return static_cast<int>(
+        QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
 }
 
 cash::Limits manyConnections(int connections)
@@ -151,6 +192,49 @@ private Q_SLOTS:
         QCOMPARE(int(uins.size()), clients * each);
         const QByteArray answer = HttpClient::parkingCheck(service.port(), Requests::parkingCheck()).body;
         QCOMPARE(resultCode(answer), QByteArray("3"));
+    }
+
+    void thread_thatCannotBeStarted_costsItsConnectionAlone()
+    {
+        const Errors errors;
+        {
+            const RunningService service;
+            const QByteArray request = HttpClient::request("POST", "/api/ParkingCheck", Requests::parkingCheck());
+            HttpClient early(service.port());
+            early.send(request);
+            QCOMPARE(early.read().status, 200);
+            areThreadsOut = true;
+            for (int i = 0; i < 3; ++i) {
+                HttpClient late(service.port());
+                QCOMPARE(late.read().status, 503);
+                QVERIFY(late.isClosedByService());
+            }
+            early.send(request);
+            QCOMPARE(early.read().status, 200);
+            areThreadsOut = false;
+            verifyStillServes(service);
+        }
+        QCOMPARE(errors.text(), QByteArray("cash-service: no thread can be started for another connection; it was "
+                                           "refused, and so will be others, without a word here\n"));
+    }
+
+    void threads_withoutAConnection_endAfterTheIdleTime()
+    {
+        cash::Limits limits;
+        limits.idle = std::chrono::milliseconds(100);
+        const RunningService service(limits);
+        const int before = threadsOfThisProcess();
+        std::vector<std::unique_ptr<HttpClient>> clients;
+        for (int i = 0; i < 20; ++i) {
+            clients.push_back(std::make_unique<HttpClient>(service.port()));
+            clients.back()->send(HttpClient::request("GET", "/admin", ""));
+            QCOMPARE(clients.back()->read().status, 200);
+        }
+        QVERIFY(threadsOfThisProcess() > before);
+        clients.clear();
+        constexpr int limit = 30'000;
+        QTRY_COMPARE_WITH_TIMEOUT(threadsOfThisProcess(), before, limit);
+        verifyStillServes(service);
     }
 
     void stop_whileClientsAreConnected_endsAtOnce()

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "encodings.h"
 
-#include "xmltext.h"
+#include "utf8.h"
 
 #include <cstdint>
 

@@ -3,7 +3,7 @@
 #include "request.h"
 
 #include "rules.h"
-#include "xmltext.h"
+#include "xmlreport.h"
 
 #include <pugixml.hpp>
 
@@ -22,6 +22,7 @@ struct Field
     bool blanksAround;
 };
 
+constexpr char NO_ROOT[] = "ожидается корневой элемент Request";
 constexpr char TIME_STAMP[] = "ожидается ГГГГ-ММ-ДДTчч:мм:сс и смещение ±чч:мм";
 constexpr char WHOLE_NUMBER[] = "ожидается целое число без знака плюс и ведущих нулей";
 constexpr char NUMBER_RANGE[] = "ожидается число от -2^63 до 2^63-1";
@@ -162,7 +163,7 @@ void readPayment(const pugi::xml_node &payments, Request &request)
 void readRoot(const pugi::xml_node &root, Request &request)
 {
     if (std::string_view(root.name()) != "Request")
-        throw Stop{"Request", "ожидается корневой элемент Request"};
+        throw Stop{"Request", NO_ROOT};
     Attributes attributes = {
         {"RecordVersion", "2"}, {"NumRequest", "1"}, {"Operation", operationName(request.operation)}};
     if (request.operation == Operation::ParkingCheck)
@@ -183,64 +184,32 @@ std::string inUpperCase(std::string text)
     return text;
 }
 
-/// The attributes of an XML declaration, each in its turn.
-void checkDeclarationAttributes(const pugi::xml_node &declaration)
+void checkXml(std::string_view body)
 {
-    pugi::xml_attribute next = declaration.first_attribute();
-    const auto take = [&next](std::string_view name, const char *unlessThere) -> std::string {
-        return next.name() == name ? std::exchange(next, next.next_attribute()).value() : unlessThere;
-    };
-    if (take("version", "") != "1.0")
-        throw Stop{"XML", "ожидается версия 1.0 в начале объявления"};
-    if (inUpperCase(take("encoding", "UTF-8")) != "UTF-8")
+    if (isBlank(body))
+        throw Stop{"Request", NO_ROOT};
+    const XmlReport report = examineXml(body);
+    if (!report.error.empty())
+        throw Stop{"XML", "документ не читается: строка " + std::to_string(report.line) + ", столбец " +
+                              std::to_string(report.column)};
+    if (report.hasDocumentType)
+        throw Stop{"XML", "DOCTYPE не допускается"};
+    if (!report.version.empty() && report.version != "1.0")
+        throw Stop{"XML", "ожидается версия 1.0"};
+    if (!report.encoding.empty() && inUpperCase(report.encoding) != "UTF-8")
         throw Stop{"XML", "ожидается кодировка UTF-8"};
-    const std::string standalone = take("standalone", "yes");
-    if (standalone != "yes" && standalone != "no")
-        throw Stop{"XML", "ожидается standalone yes или no"};
-    if (next)
-        throw Stop{"XML", "лишнее в объявлении XML"};
-}
-
-void checkDeclaration(const pugi::xml_node &declaration, std::string_view body)
-{
-    if (body.substr(0, 5) != "<?xml" || declaration.previous_sibling())
-        throw Stop{"XML", "объявление XML не в начале"};
-    // pugixml resolves references here too, where XML has none.
-    if (body.substr(0, body.find("?>")).find('&') != std::string_view::npos)
-        throw Stop{"XML", "ссылка в объявлении XML"};
-    checkDeclarationAttributes(declaration);
-}
-
-pugi::xml_node rootOf(const pugi::xml_document &document, std::string_view body)
-{
-    pugi::xml_node root;
-    for (const pugi::xml_node &node : document.children()) {
-        if (node.type() == pugi::node_declaration)
-            checkDeclaration(node, body);
-        else if (node.type() == pugi::node_element && !root)
-            root = node;
-        else if (node.type() != pugi::node_pcdata || !isBlank(node.value()))
-            throw Stop{"XML", "лишнее вне корневого элемента"};
-    }
-    return root;
 }
 
 void read(std::string_view body, Request &request)
 {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (body.substr(0, byteOrderMark.size()) == byteOrderMark)
-        body.remove_prefix(byteOrderMark.size());
-    const std::string trouble = xmlTrouble(body);
-    if (!trouble.empty())
-        throw Stop{"XML", trouble};
+    checkXml(body);
     // Texts of blanks alone count: a terminal's identifier may be one.
-    constexpr unsigned int flags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
-                                   pugi::parse_eol | pugi::parse_declaration | pugi::parse_ws_pcdata |
-                                   pugi::parse_fragment;
+    constexpr unsigned int flags =
+        pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute | pugi::parse_eol | pugi::parse_ws_pcdata;
     pugi::xml_document document;
     if (!document.load_buffer(body.data(), body.size(), flags, pugi::encoding_utf8))
         throw Stop{"XML", "документ не читается"};
-    readRoot(rootOf(document, body), request);
+    readRoot(document.document_element(), request);
 }
 } // namespace
 

@@ -3,7 +3,7 @@
 #include "rules.h"
 
 #include "moment.h"
-#include "xmltext.h"
+#include "utf8.h"
 
 #include <algorithm>
 #include <charconv>

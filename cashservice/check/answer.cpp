@@ -3,7 +3,7 @@
 #include "answer.h"
 
 #include "decoding.h"
-#include "wellformed.h"
+#include "xmlreport.h"
 
 #include <pugixml.hpp>
 
@@ -72,10 +72,11 @@ Answer::Answer(const std::string &body)
     const Decoded document = decoded(body);
     encodingComplaint = document.complaint;
     pugi::xml_document tree;
-    const pugi::xml_parse_result parsed =
-        tree.load_buffer(document.text.data(), document.text.size(), pugi::parse_default, pugi::encoding_utf8);
-    xmlComplaint = parsed ? wellFormedComplaint(document.text, tree)
-                          : parsed.description() + (" at byte " + std::to_string(parsed.offset));
+    tree.load_buffer(document.text.data(), document.text.size(), pugi::parse_default, pugi::encoding_utf8);
+    const cash::XmlReport report = cash::examineXml(document.text);
+    if (!report.error.empty())
+        xmlComplaint =
+            report.error + ", line " + std::to_string(report.line) + ", column " + std::to_string(report.column);
 
     const pugi::xml_node response = tree.find_node(isResponseElement);
     isResponse = !response.empty();

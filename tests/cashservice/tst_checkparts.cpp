@@ -151,6 +151,15 @@ private Q_SLOTS:
         row("unknown entity", response("<A>&nbsp;</A>"), false);
         row("control character", response("<A>\x01</A>"), false);
         row("attribute twice", response("<A b=\"1\" b=\"2\"/>"), false);
+        row("less-than sign in an attribute", response("<A b=\"<\"/>"), false);
+        row("end of a section in a text", response("<A>]]></A>"), false);
+        row("two hyphens in a comment", response("<!-- -- -->"), false);
+        row("reference to no character", response("<A>&#0;</A>"), false);
+        row("declaration behind a line break", "\n<?xml version=\"1.0\"?>" + response(""), false);
+        row("element named by a digit", response("<1/>"), false);
+        row("entity of its own", "<!DOCTYPE Response [<!ENTITY a \"b\">]>" + response("<A>&a;</A>"), true);
+        row("declared in another encoding", "<?xml version=\"1.0\" encoding=\"windows-1251\"?>" + response("<A>?</A>"),
+            true);
         row("two roots", response("") + response(""), false);
         row("cut off", response("").substr(0, 60), false);
         row("empty", "", false);

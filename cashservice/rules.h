@@ -9,7 +9,8 @@
 namespace cash::rules {
 [[nodiscard]] bool isAnything(std::string_view text);
 /// The terminal's number (four characters or more, or one to four zeros), yy, hhmmss, day of the year, three to five
-/// digits of the operation's number. That the number begins with zeros or ends in 001 is all right.
+/// digits of the operation's number. That the number begins with zeros or ends in 001 is all right; it is not compared
+/// with TermId, since a terminal's settings may change or lose characters between the two.
 [[nodiscard]] bool isSessionId(std::string_view text);
 /// Eight upper-case hexadecimal digits; also nothing, which is answered as an unknown card, not as a breach.
 [[nodiscard]] bool isCardUid(std::string_view text);

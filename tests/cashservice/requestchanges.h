@@ -151,6 +151,7 @@ inline QList<Change> commonChanges()
         {"partner empty", ">north<", "><", QString()},
         {"partner in Cyrillic", ">north<", ">\xD0\xA1\xD0\xB5\xD0\xB2\xD0\xB5\xD1\x80<", QString()},
         {"terminal of blanks", "TermId>0042<", "TermId>    <", QString()},
+        {"terminal that the session is not of", "TermId>0042<", "TermId>0043<", QString()},
         {"UID of digits", "78563412<", "00000000<", QString()},
         {"UID of letters", "78563412<", "ABCDEFAB<", QString()},
 

@@ -30,6 +30,8 @@ struct BenchmarkCase
     std::function<Operation()> prepare;
     /// The most instructions beside those of another case of the same run.
     std::optional<RatioBound> ratioBound = std::nullopt;
+    /// How many operations are counted; their mean is what one of them takes.
+    int times = 500;
 };
 
 using BenchmarkCases = std::vector<BenchmarkCase>;
@@ -39,3 +41,5 @@ BenchmarkCases renderingCases();
 BenchmarkCases cardCases();
 BenchmarkCases sessionCases();
 BenchmarkCases clientCases();
+BenchmarkCases paymentCases();
+BenchmarkCases loadingCases();

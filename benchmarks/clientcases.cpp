@@ -1,13 +1,11 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
+#include "bareexchange.h"
 #include "benchmarkcase.h"
 #include "clientexchange.h"
 #include "clientresponder.h"
 #include "parkingcheckrequest.h"
 #include "terminal.h"
-
-#include <QEventLoop>
-#include <QNetworkReply>
 
 #include <curl/curl.h>
 
@@ -64,28 +62,11 @@ Operation nextFromText()
     return operation;
 }
 
-/// The least that Qt can do: a manager for the exchange, the answer read, nothing kept open.
 Operation bare()
 {
     const auto responder = configuredResponder();
-    const QByteArray body = request().toXml().toUtf8();
-    QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1/api/ParkingCheck").arg(responder->port())));
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/soap+xml"));
-    return [responder, body, request] {
-        QNetworkAccessManager manager;
-        QEventLoop loop;
-        QByteArray answer;
-        QObject::connect(&manager, &QNetworkAccessManager::finished, &loop, [&](QNetworkReply *reply) {
-            answer = reply->readAll();
-            reply->deleteLater();
-            manager.clearConnectionCache();
-            loop.quit();
-        });
-        manager.post(request, body);
-        loop.exec();
-        if (!answer.contains("ParkingCheckResponse"))
-            fail(QString::fromUtf8(answer));
-    };
+    const BareExchange exchange(responder->port(), QStringLiteral("ParkingCheck"), request().toXml());
+    return [responder, exchange] { exchange.run(); };
 }
 
 size_t append(const char *data, size_t size, size_t count, void *answer)

@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <cstdio>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -23,8 +24,13 @@
 namespace {
 const std::string HEAD_END = "\r\n\r\n";
 
-std::string answer(const QByteArray &body)
+/// The answer in a file of the benchmarks' data; empty when it cannot be read.
+std::string answer(const char *file)
 {
+    QFile data(QStringLiteral(BENCHMARK_DATA "/") + QLatin1String(file));
+    if (!data.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray body = data.readAll();
     return "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\nContent-Length: " + std::to_string(body.size()) + HEAD_END +
            body.toStdString();
 }
@@ -40,7 +46,14 @@ size_t requestSize(const std::string &input)
     return input.size() >= size ? size : 0;
 }
 
-void answerEveryRequest(int socket, const std::string &bytes)
+/// One answer an operation.
+struct Answers
+{
+    std::string check = answer("parkingcheck-answer.xml");
+    std::string pay = answer("parkinfopay-answer.xml");
+};
+
+void answerEveryRequest(int socket, const Answers &answers)
 {
     std::string input;
     char buffer[4096];
@@ -48,6 +61,8 @@ void answerEveryRequest(int socket, const std::string &bytes)
     while ((count = ::read(socket, buffer, sizeof buffer)) > 0) {
         input.append(buffer, static_cast<size_t>(count));
         while (const size_t size = requestSize(input)) {
+            const bool isPayment = input.find("/ParkInfoPay ") < input.find('\r');
+            const std::string &bytes = isPayment ? answers.pay : answers.check;
             input.erase(0, size);
             if (::write(socket, bytes.data(), bytes.size()) < 0)
                 break;
@@ -77,11 +92,8 @@ ClientResponder::ClientResponder()
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--serve")});
-    QFile body(QStringLiteral(BENCHMARK_DATA "/parkingcheck-answer.xml"));
-    if (!m_process.waitForStarted() || !body.open(QIODevice::ReadOnly))
-        throw std::runtime_error("the responder does not start, or there is no answer for it");
-    m_process.write(body.readAll());
-    m_process.closeWriteChannel();
+    if (!m_process.waitForStarted())
+        throw std::runtime_error("the responder does not start");
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead())
             throw std::runtime_error("the responder does not name its port");
@@ -106,13 +118,10 @@ int ClientResponder::serve()
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::signal(SIGPIPE, SIG_IGN);
-    QFile input;
-    if (!input.open(stdin, QIODevice::ReadOnly))
-        return 1;
-    const std::string bytes = answer(input.readAll());
+    const Answers answers;
     quint16 port = 0;
     const int listener = listenSomewhere(port);
-    if (listener < 0)
+    if (listener < 0 || answers.check.empty() || answers.pay.empty())
         return 1;
     std::printf("%d\n", port);
     std::fflush(stdout);
@@ -122,6 +131,6 @@ int ClientResponder::serve()
             return 1;
         const int noDelay = 1;
         ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof noDelay);
-        std::thread(answerEveryRequest, socket, bytes).detach();
+        std::thread(answerEveryRequest, socket, std::cref(answers)).detach();
     }
 }

@@ -5,8 +5,8 @@
 #include <QByteArray>
 #include <QProcess>
 
-/// A service on a free port of this machine that gives every request the same answer. It is a process of its own, so
-/// that nothing of its work is counted, and it ends with the one that made it.
+/// A service on a free port of this machine that gives every request of an operation the same answer. It is a process
+/// of its own, so that nothing of its work is counted, and it ends with the one that made it.
 class ClientResponder
 {
 public:
@@ -20,8 +20,7 @@ public:
     /// Lets the terminal's settings name this service.
     void configure() const;
 
-    /// The service itself, as the program's "--serve" runs it: prints its port, then answers with the body given on
-    /// standard input until its parent is gone.
+    /// The service itself, as the program's "--serve" runs it: prints its port, then answers until its parent is gone.
     [[nodiscard]] static int serve();
 
 private:

@@ -5,7 +5,7 @@
 #include "clientresponder.h"
 #include "terminal.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <benchmark/benchmark.h>
 #include <valgrind/callgrind.h>
@@ -16,20 +16,20 @@
 #include <stdexcept>
 
 namespace {
-constexpr int DEFAULT_COUNT = 500;
 // Enough for whatever is made once and kept.
-constexpr int WARM_UPS = 20;
+constexpr int MOST_WARM_UPS = 20;
 
 const char USAGE[] =
     "values-benchmark [Google Benchmark's options]   times every case\n"
-    "values-benchmark --list                         group, name, bound of every case, what the bound is of\n"
-    "values-benchmark --count NAME [TIMES]           one case, to be counted by callgrind\n"
+    "values-benchmark --list                         group, name, bound of every case, what the bound is of, times\n"
+    "values-benchmark --count NAME                   one case, to be counted by callgrind\n"
     "values-benchmark --clients                      what a thousand clients leave behind\n";
 
 BenchmarkCases allCases()
 {
     BenchmarkCases all;
-    for (const auto &cases : {parsingCases(), renderingCases(), cardCases(), sessionCases(), clientCases()})
+    for (const auto &cases :
+         {parsingCases(), renderingCases(), cardCases(), sessionCases(), clientCases(), paymentCases(), loadingCases()})
         std::copy(cases.begin(), cases.end(), std::back_inserter(all));
     return all;
 }
@@ -51,23 +51,23 @@ std::string bound(const BenchmarkCase &benchmarkCase)
 int list()
 {
     for (const BenchmarkCase &each : allCases())
-        std::printf("%s\t%s\t%s\t%s\n", each.group.c_str(), each.name.c_str(), bound(each).c_str(),
-                    each.ratioBound ? each.ratioBound->floor.c_str() : "-");
+        std::printf("%s\t%s\t%s\t%s\t%d\n", each.group.c_str(), each.name.c_str(), bound(each).c_str(),
+                    each.ratioBound ? each.ratioBound->floor.c_str() : "-", each.times);
     return 0;
 }
 
-int count(const std::string &name, int times)
+int count(const std::string &name)
 {
     const BenchmarkCases cases = allCases();
     const auto found =
         std::find_if(cases.begin(), cases.end(), [&name](const BenchmarkCase &each) { return each.name == name; });
-    if (found == cases.end() || times < 1)
-        throw std::runtime_error("there is no such case, or nothing to count");
+    if (found == cases.end())
+        throw std::runtime_error("there is no such case");
     const BenchmarkCase::Operation operation = prepare(*found);
-    for (int i = 0; i < WARM_UPS; ++i)
+    for (int i = 0; i < std::min(MOST_WARM_UPS, found->times / 4); ++i)
         operation();
     CALLGRIND_START_INSTRUMENTATION;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < found->times; ++i)
         operation();
     CALLGRIND_STOP_INSTRUMENTATION;
     return 0;
@@ -102,8 +102,8 @@ int run(int argc, char **argv)
     const std::string mode = argc > 1 ? argv[1] : "";
     if (mode == "--list" && argc == 2)
         return list();
-    if (mode == "--count" && (argc == 3 || argc == 4))
-        return count(argv[2], argc == 4 ? QByteArray(argv[3]).toInt() : DEFAULT_COUNT);
+    if (mode == "--count" && argc == 3)
+        return count(argv[2]);
     if (mode == "--clients" && argc == 2)
         return ClientFootprint::print();
     return timeAll(argc, argv);
@@ -112,7 +112,9 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
+    // Widgets are made, and shown nowhere.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
     if (argc == 2 && qstrcmp(argv[1], "--serve") == 0)
         return ClientResponder::serve();
     // Parts of the plugin take the work directory over while the program is loaded: it is too late to set it here.

@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "bareexchange.h"
+#include "benchmarkcase.h"
+#include "clientresponder.h"
+#include "core/paypack.h"
+#include "core/provider.h"
+#include "core/sessionmanager.h"
+#include "guiclient/formproject.h"
+#include "parkinfopayrequest.h"
+#include "parkingcheckrequest.h"
+#include "parkomatpluginhandler.h"
+#include "terminal.h"
+
+#include <QDateTime>
+#include <QEventLoop>
+
+#include <memory>
+#include <stdexcept>
+
+namespace {
+using Operation = BenchmarkCase::Operation;
+
+const std::string BARE = "payment-bare";
+// The confirmation returns at a poll, one a second, so that a payment takes as long.
+constexpr int TIMES = 20;
+
+constexpr qint64 PROVIDER = 18156;
+
+Payment payment()
+{
+    Payment pay(70001, QDateTime(QDate(2024, 3, 7), QTime(14, 5, 9)), PROVIDER);
+    pay.setSumm(FixNumber(100, qint64(15'000)));
+    return pay;
+}
+
+void addParameters(Provider &provider)
+{
+    QList<ProviderParameter> parameters;
+    for (const char *name : {"card_num", "SummToPay", "TermNo", "ParkNumber", "StartDate", "StartTime", "UIN"}) {
+        ProviderParameter parameter;
+        parameter.setName(QLatin1String(name));
+        parameters.append(parameter);
+    }
+    provider.setParameters(parameters);
+}
+
+/// The plugin with its form, which is not shown and has its views already.
+struct Host
+{
+    ClientResponder responder;
+    FormProject project = FormProject(QStringLiteral(FORM_PROJECT));
+    ParkomatPluginHandler plugin;
+
+    Host()
+    {
+        responder.configure();
+        SessionManager session(&project);
+        Provider provider(PROVIDER, QStringLiteral("Парковка"));
+        IPayWidget *form = plugin.start(&provider, Currency(), &session);
+        plugin.showInitScreen();
+        if (static_cast<PluginBaseFormViewer *>(form)->getUi(QStringLiteral("messagesView")) == nullptr)
+            throw std::runtime_error("the form has no view for messages");
+    }
+
+    /// From the card reader's command to the filled parameters, then from the commit to the answer.
+    void pay()
+    {
+        SessionManager session(&project);
+        Provider provider(PROVIDER, QStringLiteral("Парковка"));
+        addParameters(provider);
+        plugin.start(&provider, Currency(), &session);
+        QEventLoop loop;
+        QObject::connect(&provider, &Provider::parametersChanged, &loop, &QEventLoop::quit);
+        Q_EMIT session.newParcomatCardDataCommand(QStringLiteral("parkomatCardData"), Terminal::cardMap());
+        loop.exec();
+        if (provider.parameters().at(1).value() != QLatin1String("150.00"))
+            throw std::runtime_error("the parameters were not filled");
+        PayPack pack;
+        pack.addPayment(payment());
+        plugin.doPaymentPredProcessing(&session, &pack);
+    }
+};
+
+Operation whole()
+{
+    return [host = std::make_shared<Host>()] { host->pay(); };
+}
+
+Operation bare()
+{
+    const auto responder = std::make_shared<ClientResponder>();
+    responder->configure();
+    const ParkomatCardData card(QVariant(Terminal::cardMap()));
+    const ParkInfoPayRequest pay(card, payment(), payment().summ());
+    const BareExchange first(responder->port(), QStringLiteral("ParkingCheck"), ParkingCheckRequest(card).toXml());
+    const BareExchange second(responder->port(), QStringLiteral("ParkInfoPay"), pay.toXml());
+    return [responder, first, second] {
+        first.run();
+        second.run();
+    };
+}
+} // namespace
+
+BenchmarkCases paymentCases()
+{
+    return {{"payment", "payment", std::nullopt, whole, RatioBound{BARE, 2.2}, TIMES},
+            {"payment", BARE, std::nullopt, bare, std::nullopt, TIMES}};
+}

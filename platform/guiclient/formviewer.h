@@ -49,9 +49,19 @@ public:
 
     [[nodiscard]] SessionManager *session() const;
 
+    void setVisible(bool visible) override;
+
 Q_SIGNALS:
     /// Another view is up, or none. @param name as currentView() says.
     void currentViewChanged(const QString &name);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void childEvent(QChildEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     struct View
@@ -60,8 +70,16 @@ private:
         QPointer<QWidget> widget;
     };
 
+    [[nodiscard]] bool isView(const QObject *object) const;
+    void setCurrent(QWidget *view);
+    void updateWaitingPage();
+    void takeFocus();
+    [[nodiscard]] bool isCovered() const;
+
     QPointer<SessionManager> m_session;
     bool m_fullScreen;
     QVector<View> m_views;
-    QString m_current;
+    QPointer<QWidget> m_current;
+    QWidget *m_waitingPage = nullptr;
+    QPointer<QWidget> m_focusBefore;
 };

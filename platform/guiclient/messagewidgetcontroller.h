@@ -2,10 +2,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "guiclient/message.h"
+
 #include <QBasicTimer>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
-#include <QWidget>
+
+class MessageView;
+class QWidget;
 
 /// Runs one message in a message view: its text, the buttons of its kind, its count-down.
 ///
@@ -14,7 +19,7 @@
 /// - "messageText", a QLabel: the text;
 /// - "countdown", a QLabel: the seconds left;
 /// - "okButton", "cancelButton", "yesButton", "noButton", each a QAbstractButton;
-/// - "waitIndicator", any widget (optional): there while the customer can but wait.
+/// - "waitIndicator" and "errorMark", any widgets, which a view need not have: there with the kinds Wait and Error.
 /// The controller sets the captions and which of them are visible; the look is the view's.
 ///
 /// The last controller that a view was given to owns it. An earlier one emits nothing from then on and never touches
@@ -64,6 +69,26 @@ Q_SIGNALS:
     /// Once a second, while the message has not closed.
     void tick();
 
+protected:
+    void timerEvent(QTimerEvent *event) override;
+
 private:
-    QPointer<QWidget> m_view;
+    friend class MessageView;
+
+    void start(const QString &text, int seconds, int kind, bool isSingleSignal);
+    [[nodiscard]] int secondsLeft() const;
+    /// Called by the view's buttons, and when the time is over. Its last act is finish().
+    void close(int exitCode);
+    /// Called when another controller takes the view.
+    void loseView();
+    void releaseView();
+
+    QPointer<MessageView> m_view;
+    Message m_message;
+    int m_seconds = 0;
+    QElapsedTimer m_sinceStart;
+    QBasicTimer m_timer;
+    bool m_isSingleSignal = false;
+    bool m_hasFinished = false;
+    bool m_isSilent = false;
 };

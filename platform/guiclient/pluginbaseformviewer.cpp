@@ -4,6 +4,14 @@
 
 #include "core/provider.h"
 #include "core/sessionmanager.h"
+#include "guiclient/paydetailview.h"
+
+namespace {
+bool isGiven(const QObject *object, const char *signature)
+{
+    return object != nullptr && qstrlen(signature) > 0;
+}
+} // namespace
 
 PluginBaseFormViewer::PluginBaseFormViewer(SessionManager *session, Provider *provider, const Currency &currency,
                                            const QString &messageType, QWidget *parent)
@@ -12,32 +20,78 @@ PluginBaseFormViewer::PluginBaseFormViewer(SessionManager *session, Provider *pr
 
 PluginBaseFormViewer::~PluginBaseFormViewer() = default;
 
-void PluginBaseFormViewer::setMessageReciever(QObject * /*receiver*/, const char * /*slot*/) {}
+void PluginBaseFormViewer::setMessageReciever(QObject *receiver, const char *slot)
+{
+    disconnect(m_receiver);
+    if (isGiven(receiver, slot))
+        m_receiver = connect(this, SIGNAL(message(QString, QVariantMap)), receiver, slot);
+}
 
-void PluginBaseFormViewer::setMessageSender(QObject * /*sender*/, const char * /*signal*/) {}
+void PluginBaseFormViewer::setMessageSender(QObject *sender, const char *signal)
+{
+    disconnect(m_sender);
+    if (isGiven(sender, signal))
+        m_sender = connect(sender, signal, this, SLOT(receiveMessage(QString, QVariantMap)));
+}
 
 void PluginBaseFormViewer::setInfo(const TrelmInfo &info)
 {
     m_info = info;
+    updateDetails();
+}
+
+PayDetailView *PluginBaseFormViewer::details() const
+{
+    return qobject_cast<PayDetailView *>(getUi(QLatin1String(PAY_DETAIL_VIEW)));
 }
 
 void PluginBaseFormViewer::showPayDetail()
 {
-    const QString name = QString::fromLatin1(PAY_DETAIL_VIEW);
-    if (getUi(name) == nullptr)
-        addView(new QWidget, name);
-    showWidget(name);
+    if (details() == nullptr) {
+        addView(new PayDetailView, QLatin1String(PAY_DETAIL_VIEW));
+        if (m_provider)
+            connect(m_provider, &Provider::parametersChanged, details(), [this] { updateDetails(); });
+    }
+    updateDetails();
+    showWidget(QLatin1String(PAY_DETAIL_VIEW));
 }
 
 void PluginBaseFormViewer::hidePayDetail()
 {
-    if (currentView() == QLatin1String(PAY_DETAIL_VIEW))
-        getUi(currentView())->hide();
+    if (PayDetailView *view = details())
+        view->hide();
 }
 
 void PluginBaseFormViewer::setPaidIn(const FixNumber &sum)
 {
     m_paidIn = sum;
+    if (PayDetailView *view = details())
+        view->setPaidIn(withCurrency(sum.toString()));
+}
+
+QString PluginBaseFormViewer::withCurrency(const QString &amount) const
+{
+    return amount.isEmpty() ? amount : amount + QLatin1Char(' ') + m_currency.shortName;
+}
+
+void PluginBaseFormViewer::updateDetails()
+{
+    PayDetailView *view = details();
+    if (view == nullptr)
+        return;
+    QString due;
+    QList<ProviderParameter> others;
+    const QList<ProviderParameter> parameters = m_provider ? m_provider->parameters() : QList<ProviderParameter>();
+    for (const ProviderParameter &parameter : parameters) {
+        if (parameter.name() == QLatin1String(SUM_DUE_PARAMETER))
+            due = parameter.value();
+        else
+            others.append(parameter);
+    }
+    view->setSumDue(withCurrency(due));
+    view->setPaidIn(withCurrency(m_paidIn.toString()));
+    view->setParameters(others);
+    view->setPhone(m_info.phone);
 }
 
 void PluginBaseFormViewer::receiveMessage(const QString &type, const QVariantMap &message)

@@ -8,6 +8,7 @@
 #include "guiclient/formviewer.h"
 #include "plugininterface/ipaywidget.h"
 
+class PayDetailView;
 class Provider;
 
 /// The payment form of a plugin: its views, and the payment's details.
@@ -70,9 +71,15 @@ Q_SIGNALS:
     void messageReceived(const QVariantMap &message);
 
 private:
+    [[nodiscard]] PayDetailView *details() const;
+    void updateDetails();
+    [[nodiscard]] QString withCurrency(const QString &amount) const;
+
     QPointer<Provider> m_provider;
     Currency m_currency;
     QString m_messageType;
     TrelmInfo m_info;
     FixNumber m_paidIn;
+    QMetaObject::Connection m_receiver;
+    QMetaObject::Connection m_sender;
 };

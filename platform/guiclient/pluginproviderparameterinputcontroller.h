@@ -7,8 +7,8 @@
 #include <QString>
 
 class FormViewer;
+class InputView;
 class ProviderParameter;
-class QWidget;
 class SessionManager;
 
 /// Asks the customer to type one parameter of a provider, on a screen of its own with a keyboard to touch; a keyboard
@@ -21,7 +21,7 @@ class PluginProviderParameterInputController : public QObject
     Q_OBJECT
 
 public:
-    /// @param session not owned, may be null.
+    /// @param session the customer's session; asking needs nothing of it, so it may be null.
     /// @param viewer which shows the screen; may be null, or go first: then there is no screen.
     /// @param viewName the screen's name among the viewer's views; empty: "inputView".
     /// @param hint a line below the parameter's label; empty: none.
@@ -42,9 +42,14 @@ Q_SIGNALS:
     void needNext(const QString &text);
 
 private:
-    QPointer<SessionManager> m_session;
+    void back();
+    void next();
+    void removeView();
+
     QPointer<FormViewer> m_viewer;
     QString m_viewName;
     QString m_hint;
-    QPointer<QWidget> m_view;
+    QPointer<InputView> m_view;
+    /// A button or key of the view is on its way.
+    bool m_isViewBusy = false;
 };

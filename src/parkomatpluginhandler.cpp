@@ -11,8 +11,8 @@
 #include "core/terminalappsettings.h"
 #include "guiclient/formproject.h"
 #include "guiclient/widgetnames.h"
-#include "parkingcheckrequest.h"
 #include "parkinfopayrequest.h"
+#include "parkingcheckrequest.h"
 #include "parkomataccessmanager.h"
 #include "parkomatlog.h"
 #include "parkomatpluginsettingswidget.h"
@@ -35,9 +35,7 @@ constexpr long long PROVIDER_ID = 18156;
 QString buildMoment()
 {
     const QString text = QStringLiteral("%1 %2").arg(QLatin1String(__DATE__), QLatin1String(__TIME__)).simplified();
-    return QLocale(QStringLiteral("en"))
-        .toDateTime(text, QStringLiteral("MMM d yyyy hh:mm:ss"))
-        .toString(Qt::ISODate);
+    return QLocale(QStringLiteral("en")).toDateTime(text, QStringLiteral("MMM d yyyy hh:mm:ss")).toString(Qt::ISODate);
 }
 
 // Built in this order when the library is loaded. The message type and the string identifier below name another plugin
@@ -219,8 +217,8 @@ IPayWidget *ParkomatPluginHandler::start(Provider *provider, const Currency &cur
     m_sessionManager = session;
     // Connected again on every start and never undone, so that a command comes once for each start on this session.
     if (session != nullptr)
-        connect(session, SIGNAL(newParcomatCardDataCommand(QString,QVariantMap)), this,
-                SLOT(newParcomatCardDataCommandHandler(QString,QVariantMap)));
+        connect(session, SIGNAL(newParcomatCardDataCommand(QString, QVariantMap)), this,
+                SLOT(newParcomatCardDataCommandHandler(QString, QVariantMap)));
     m_provider = provider;
     const FormProject *project = session != nullptr ? session->activeProject() : nullptr;
     m_projectDir = project != nullptr ? project->projectDir() : QString();

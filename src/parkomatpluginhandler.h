@@ -9,8 +9,8 @@
 #include "guiclient/pluginbaseformviewer.h"
 #include "guiclient/pluginproviderparameterinputcontroller.h"
 #include "guiclient/pluginviewloadhelper.h"
-#include "parkingcheckresponse.h"
 #include "parkinfopayresponse.h"
+#include "parkingcheckresponse.h"
 #include "parkomatcarddata.h"
 #include "plugininterface/ipaybyprovider.h"
 

@@ -80,10 +80,13 @@ need_packages()
 }
 
 # configure_preset PRESET: the same configuration, whichever script comes first. Benchmarks are built by who runs them.
+# CMake's options in PARKOMAT_CMAKE_OPTIONS, separated by blanks, win.
 configure_preset()
 {
+    local options
+    read -ra options <<<"-DPARKOMAT_BENCHMARKS=OFF ${PARKOMAT_CMAKE_OPTIONS:-}"
     section "Configuring ($1)"
-    (cd "$root" && cmake --preset "$1" -DPARKOMAT_BENCHMARKS=OFF)
+    (cd "$root" && cmake --preset "$1" "${options[@]}")
 }
 
 # build_preset PRESET [TARGET...]

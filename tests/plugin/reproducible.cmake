@@ -1,5 +1,5 @@
-# Builds the plugin twice against a terminal's SDK, from two copies of the source tree in two folders, and demands the
-# same file bit for bit; then asks it when it was built.
+# Builds and installs the plugin twice against a terminal's SDK, from two copies of the source tree in two folders, and
+# demands the same file bit for bit; then asks it when it was built.
 #   cmake -DSOURCE=FOLDER -DBUILD=FOLDER -DPRINT_BUILD=PROGRAM -P reproducible.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -21,8 +21,10 @@ foreach(name IN ITEMS first "second place")
   execute_process(
     COMMAND "${CMAKE_COMMAND}" --build "${tree}/build" --target parkomatplugin
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  file(RPATH_REMOVE FILE "${tree}/build/plugins/libparkomatplugin.so")
-  file(SHA256 "${tree}/build/plugins/libparkomatplugin.so" sum)
+  execute_process(
+    COMMAND "${CMAKE_COMMAND}" --install "${tree}/build" --prefix "${tree}/installed" --component plugin
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  file(SHA256 "${tree}/installed/plugins/libparkomatplugin.so" sum)
   list(APPEND sums ${sum})
 endforeach()
 
@@ -33,7 +35,7 @@ if(NOT files EQUAL 1)
 endif()
 set(ENV{LD_LIBRARY_PATH} "${BUILD}/lib")
 execute_process(
-  COMMAND "${PRINT_BUILD}" "${scratch}/first/build/plugins/libparkomatplugin.so"
+  COMMAND "${PRINT_BUILD}" "${scratch}/first/installed/plugins/libparkomatplugin.so"
   OUTPUT_VARIABLE moment OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT moment STREQUAL MOMENT)
   message(FATAL_ERROR "The plugin says that it was built at \"${moment}\", it was at ${MOMENT}")

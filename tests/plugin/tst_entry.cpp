@@ -89,10 +89,12 @@ private Q_SLOTS:
     void exports_areQtsEntryPointsAlone()
     {
         QStringList names;
-        const QStringList lines = outputOf(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only")});
+        const QStringList lines =
+            outputOf(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only")});
         for (const QString &line : lines)
             names.append(line.section(QLatin1Char(' '), 1));
-        QCOMPARE(names, QStringList({QStringLiteral("T qt_plugin_instance"), QStringLiteral("T qt_plugin_query_metadata")}));
+        QCOMPARE(names,
+                 QStringList({QStringLiteral("T qt_plugin_instance"), QStringLiteral("T qt_plugin_query_metadata")}));
     }
 
     void libraries_areAllUsed() { QCOMPARE(outputOf(QStringLiteral("ldd"), {QStringLiteral("-u")}), QStringList()); }
@@ -123,11 +125,11 @@ private Q_SLOTS:
             seen.append(line.category + QLatin1Char(' ') + line.function + QLatin1Char(' ') + line.text);
         }
         const QString destructor = QStringLiteral("virtual ParkomatPluginHandler::~ParkomatPluginHandler() ");
-        QCOMPARE(seen,
-                 QStringList({QStringLiteral("parkomat ParkomatPluginHandler::ParkomatPluginHandler(QObject*) "
-                                             "NALOG_CONSTRUCTOR"),
-                              QStringLiteral("default ") + destructor + QStringLiteral("ParkomatPluginHandler plugin destructor"),
-                              QStringLiteral("parkomat ") + destructor + QStringLiteral("NALOG_DESTRUCTOR")}));
+        QCOMPARE(seen, QStringList({QStringLiteral("parkomat ParkomatPluginHandler::ParkomatPluginHandler(QObject*) "
+                                                   "NALOG_CONSTRUCTOR"),
+                                    QStringLiteral("default ") + destructor +
+                                        QStringLiteral("ParkomatPluginHandler plugin destructor"),
+                                    QStringLiteral("parkomat ") + destructor + QStringLiteral("NALOG_DESTRUCTOR")}));
     }
 
     void metacast_answersForThreeNames()

@@ -18,6 +18,10 @@ std::atomic<bool> isReal = true;
 std::mutex mutex;
 QList<qint64> moments;
 int readingsSoFar = 0;
+std::atomic<qint64> skippedMs = 0;
+
+constexpr qint64 MS_PER_SECOND = 1'000;
+constexpr qint64 NS_PER_MS = 1'000'000;
 
 /// The real clock, asked of the kernel: the C library's functions are the ones that are replaced here.
 int kernelTime(clockid_t clock, timespec *time)
@@ -32,15 +36,34 @@ int wallTime(timespec *time)
     const std::lock_guard lock(mutex);
     const qint64 ms = moments.at(std::min(readingsSoFar, moments.size() - 1));
     ++readingsSoFar;
-    time->tv_sec = static_cast<time_t>(ms / 1000);
-    time->tv_nsec = static_cast<long>(ms % 1000) * 1'000'000;
+    time->tv_sec = static_cast<time_t>(ms / MS_PER_SECOND);
+    time->tv_nsec = static_cast<long>(ms % MS_PER_SECOND * NS_PER_MS);
     return 0;
+}
+
+int monotonicTime(clockid_t clock, timespec *time)
+{
+    const int result = kernelTime(clock, time);
+    const qint64 ms = skippedMs;
+    const qint64 ns = time->tv_nsec + ms % MS_PER_SECOND * NS_PER_MS;
+    time->tv_sec += static_cast<time_t>(ms / MS_PER_SECOND + ns / (MS_PER_SECOND * NS_PER_MS));
+    time->tv_nsec = static_cast<long>(ns % (MS_PER_SECOND * NS_PER_MS));
+    return result;
 }
 } // namespace
 
 extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
 {
-    return clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE ? wallTime(time) : kernelTime(clock, time);
+    switch (clock) {
+    case CLOCK_REALTIME:
+    case CLOCK_REALTIME_COARSE:
+        return wallTime(time);
+    case CLOCK_MONOTONIC:
+    case CLOCK_MONOTONIC_COARSE:
+        return monotonicTime(clock, time);
+    default:
+        return kernelTime(clock, time);
+    }
 }
 
 extern "C" int gettimeofday(timeval *__restrict time, void *__restrict) noexcept
@@ -77,4 +100,9 @@ int TestClock::readings()
 void TestClock::release()
 {
     play({});
+}
+
+void TestClock::skip(qint64 ms)
+{
+    skippedMs += ms;
 }

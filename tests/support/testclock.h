@@ -5,8 +5,8 @@
 #include <QDateTime>
 #include <QList>
 
-/// The wall clock as the process sees it: it stands in for the C library's, so that Qt and everything above see it too.
-/// Monotonic clocks go on as they are.
+/// The clocks as the process sees them: they stand in for the C library's, so that Qt and everything above see them too.
+/// Monotonic clocks go on as they are, but for what skip() lets them leave out.
 namespace TestClock {
 /// Stops the clock at @a moment.
 void freeze(const QDateTime &moment);
@@ -14,6 +14,10 @@ void freeze(const QDateTime &moment);
 void play(const QList<QDateTime> &moments);
 /// How often the clock was read since freeze() or play().
 [[nodiscard]] int readings();
-/// Back to the real clock.
+/// Back to the real wall clock.
 void release();
+
+/// Lets the monotonic clock jump ahead, for good: a timer that is due by then fires at the next pass of the event loop,
+/// without anybody having waited. A loop that sleeps already does not notice.
+void skip(qint64 ms);
 } // namespace TestClock

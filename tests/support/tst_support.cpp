@@ -7,7 +7,9 @@
 #include "support/zone.h"
 
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QTimer>
 
 /// The tests' own instruments.
 class SupportTest : public TestCase
@@ -31,6 +33,23 @@ private Q_SLOTS:
         QCOMPARE(QDateTime::currentDateTimeUtc(), moment);
         QCOMPARE(QDateTime::currentDateTimeUtc(), moment.addDays(1));
         QCOMPARE(QDateTime::currentDateTimeUtc(), moment.addDays(1));
+    }
+
+    void clock_skipping_endsTimersAtOnce()
+    {
+        int fired = 0;
+        QElapsedTimer elapsed;
+        elapsed.start();
+        QTimer::singleShot(3'600'000, Qt::PreciseTimer, this, [&fired] { ++fired; });
+        const QDateTime before = QDateTime::currentDateTimeUtc();
+        TestClock::skip(3'000'000);
+        QCoreApplication::processEvents();
+        QCOMPARE(fired, 0);
+        TestClock::skip(600'000);
+        QCoreApplication::processEvents();
+        QCOMPARE(fired, 1);
+        QVERIFY(elapsed.elapsed() >= 3'600'000);
+        QVERIFY(before.secsTo(QDateTime::currentDateTimeUtc()) < 3'000);
     }
 
     void zone_set_isTheProcessZone()

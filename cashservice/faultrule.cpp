@@ -32,7 +32,7 @@ std::string readDelay(Fault &fault, const std::string &value)
 {
     const auto duration = durationFromText(value);
     fault.delay = duration.value_or(fault.delay);
-    return duration ? "" : "write how long: 500ms, 3s, 1m30s";
+    return duration ? "" : "write how long: 500ms, 3s, 1m30s; at most 36500d";
 }
 
 std::string readStatus(Fault &fault, const std::string &value)

@@ -139,7 +139,7 @@ void Ledger::insert(const Payment &payment, const Stay &stay, const std::string 
     m_insert.bind(1, request.termId).bind(2, request.sessionId).bind(3, request.uin);
     m_insert.bind(4, request.cardUid).bind(5, payment.stayId).bind(6, request.amount).bind(7, request.type);
     m_insert.bind(8, request.paidAt).bind(9, now).bind(10, answer).finish();
-    m_saveStay.bind(1, payment.stayId).bind(2, stay.paid).bind(3, stay.lastPayment).finish();
+    m_saveStay.bind(1, payment.stayId).bind(2, stay.paid).bind(3, payment.receivedAt).finish();
 }
 
 void Ledger::log(const Payment &payment, Registration::Outcome outcome)

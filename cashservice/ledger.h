@@ -20,7 +20,7 @@ namespace cash {
 struct Stay
 {
     Hundredths paid = 0;
-    Moment lastPayment = 0;
+    std::optional<Moment> lastPayment;
 };
 
 /// A payment to be registered. TermId, SessionId and Uin together are its key.

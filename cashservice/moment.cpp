@@ -64,10 +64,15 @@ std::string localText(Moment moment)
 
 std::optional<Moment> momentFromLocalText(std::string_view text)
 {
+    constexpr int firstYear = 2000;
+    constexpr int lastYear = 2099;
     if (text.size() != DATE_TIME_LENGTH || !beginsWithDateTime(text))
         return std::nullopt;
+    const int year = number(text, 0, 4);
+    if (year < firstYear || year > lastYear)
+        return std::nullopt;
     std::tm fields = {};
-    fields.tm_year = number(text, 0, 4) - 1900;
+    fields.tm_year = year - 1900;
     fields.tm_mon = number(text, 5, 2) - 1;
     fields.tm_mday = number(text, 8, 2);
     fields.tm_hour = number(text, 11, 2);
@@ -113,6 +118,8 @@ std::optional<std::chrono::milliseconds> durationFromText(std::string_view text)
         text.remove_prefix(end);
         ++next;
     }
-    return std::chrono::milliseconds(total);
+    constexpr std::chrono::milliseconds most = std::chrono::hours(24) * 36'500;
+    const std::chrono::milliseconds duration(total);
+    return duration <= most ? std::optional(duration) : std::nullopt;
 }
 } // namespace cash

@@ -36,7 +36,10 @@ public:
         if (std::filesystem::is_directory(m_path, ignored))
             throw ParkingFileError(m_path + ": cannot be read; is it a file?");
         try {
-            readPark(YAML::LoadFile(m_path), park);
+            const std::vector<YAML::Node> documents = YAML::LoadAllFromFile(m_path);
+            readPark(documents.empty() ? YAML::Node() : documents.front(), park);
+            if (documents.size() > 1)
+                addMistake(documents[1].Mark(), "there is a second document; write one alone");
         } catch (const YAML::BadFile &) {
             throw ParkingFileError(m_path + ": cannot be read");
         } catch (const YAML::Exception &error) {
@@ -89,7 +92,7 @@ private:
                  {"free", true, text([&tariff](const std::string &value) {
                       const auto time = durationFromText(value);
                       tariff.freeTime = time ? std::chrono::duration_cast<std::chrono::seconds>(*time).count() : 0;
-                      return time ? "" : "\"" + value + "\" is no time; write one like 15m, or 0m";
+                      return time ? "" : "\"" + value + "\" is no time; write one like 15m, or 0m; at most 36500d";
                   })}});
     }
 
@@ -117,7 +120,9 @@ private:
                  {"paid", false, amount(card.paid)},
                  {"answer-after", false, text([&card](const std::string &value) {
                       card.answerAfter = durationFromText(value).value_or(card.answerAfter);
-                      return durationFromText(value) ? "" : "\"" + value + "\" is no time; write one like 500ms or 5s";
+                      return durationFromText(value)
+                                 ? ""
+                                 : "\"" + value + "\" is no time; write one like 500ms or 5s; at most 36500d";
                   })},
                  {"note", false, text([&card](const std::string &value) {
                       card.note = value;
@@ -144,11 +149,14 @@ private:
             const auto before = durationFromText(value.substr(0, value.size() - suffix.size()));
             if (before)
                 card.entered = m_launch - std::chrono::duration_cast<std::chrono::seconds>(*before).count();
-            return before ? "" : "\"" + value + "\" says no time; write one like 2h30m before launch";
+            return before ? "" : "\"" + value + "\" says no time; write one like 2h30m before launch; at most 36500d";
         }
         const auto moment = momentFromLocalText(value);
         card.entered = moment.value_or(0);
-        return moment ? "" : "\"" + value + "\" is no entry; write 2024-03-07T11:35:09 or 2h30m before launch";
+        return moment
+                   ? ""
+                   : "\"" + value +
+                         "\" is no entry; write 2024-03-07T11:35:09, of the years 2000 to 2099, or 2h30m before launch";
     }
 
     /// A reader of a plain value.

@@ -43,7 +43,8 @@ Clock clockFrom(const std::string &text)
         return systemClock();
     const std::optional<Moment> moment = momentFromLocalText(text);
     if (!moment)
-        throw OptionError("--clock \"" + text + "\" is no local time; write one like 2024-03-07T14:05:09");
+        throw OptionError("--clock \"" + text +
+                          "\" is no local time; write one like 2024-03-07T14:05:09, of the years 2000 to 2099");
     return stoppedClock(*moment);
 }
 

@@ -133,7 +133,7 @@ Service::Composed Service::composeFor(const Request &request, const Card *card, 
     else if (mayRecord)
         composed = paid(request, *card);
     else
-        composed.answer = payAnswer(request, *card, {sum(m_ledger.stay(card->stayId()).paid, request.amount), 0});
+        composed.answer = payAnswer(request, *card, {sum(m_ledger.stay(card->stayId()).paid, request.amount), {}});
     composed.answerAfter = card == nullptr ? composed.answerAfter : card->answerAfter;
     return composed;
 }
@@ -215,7 +215,7 @@ Answer Service::checkAnswer(const Request &request, const Card &card) const
              {"ParkingId", m_park.parkingId},
              {"StartTime", localText(card.entered)},
              {"AnticipatedStopTime", localText(m_park.tariff.coveredByCharge(card.entered, now))},
-             {"LastChangeTime", localText(std::max(card.entered, stay.lastPayment))},
+             {"LastChangeTime", localText(std::max(card.entered, stay.lastPayment.value_or(card.entered)))},
              {"TotalCharge", std::to_string(owedFor(card))},
              {"AmountSum", std::to_string(paidFor(card, stay))},
              {"CanExtend", "1"},

@@ -229,6 +229,18 @@ private Q_SLOTS:
         QCOMPARE(elementText(ask(service, values), "TotalCharge"), QByteArray("9223372036854775807"));
     }
 
+    /// As on a machine that has lost the time.
+    void lastChange_ofAStayThatBeganBefore1970_isItsBeginning()
+    {
+        cash::Ledger ledger(":memory:");
+        cash::Service service(cash::seededCarPark(0), ledger, cash::stoppedClock(0));
+        const cash::Reply reply = service.answer(
+            {cash::Operation::ParkingCheck, cash::CONTENT_TYPE, Requests::parkingCheck().toStdString()}, {});
+        const QByteArray answer = QByteArray::fromStdString(reply.body);
+        QCOMPARE(elementText(answer, "StartTime"), QByteArray("1970-01-01T00:30:00"));
+        QCOMPARE(elementText(answer, "LastChangeTime"), QByteArray("1970-01-01T00:30:00"));
+    }
+
     void texts_ofTheRequest_comeBackAsTheyWere()
     {
         RunningService service;

@@ -291,7 +291,7 @@ private Q_SLOTS:
         wrong("any#2-x:empty", "\"2-x\" counts no requests; write 2 for the second, 2-4, or 2- for all from it on");
         wrong("any:burn", "there is no fault \"burn\"; there are delay, status, empty, operation, result, missing, "
                           "doubled, malformed, card, encoding");
-        wrong("any:delay", "delay: write how long: 500ms, 3s, 1m30s");
+        wrong("any:delay", "delay: write how long: 500ms, 3s, 1m30s; at most 36500d");
         wrong("any:status=99", "status: write an HTTP status of 200 to 599");
         wrong("any:status=600", "status: write an HTTP status of 200 to 599");
         wrong("any:status=5xx", "status: write an HTTP status of 200 to 599");

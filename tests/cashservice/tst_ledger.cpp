@@ -80,10 +80,11 @@ private Q_SLOTS:
     {
         cash::Ledger ledger(":memory:");
         QCOMPARE(qint64(ledger.stay("stay").paid), qint64(0));
+        QVERIFY(!ledger.stay("stay").lastPayment);
         QCOMPARE(ledger.registerPayment(payment(1)).answer, std::string("paid 100"));
         QCOMPARE(ledger.registerPayment(payment(2, 50)).answer, std::string("paid 150"));
         QCOMPARE(qint64(ledger.stay("stay").paid), qint64(150));
-        QCOMPARE(qint64(ledger.stay("stay").lastPayment), qint64(AT));
+        QCOMPARE(qint64(ledger.stay("stay").lastPayment.value_or(0)), qint64(AT));
         QCOMPARE(qint64(ledger.stay("other").paid), qint64(0));
     }
 

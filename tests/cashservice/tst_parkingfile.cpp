@@ -52,9 +52,9 @@ private:
         return QString();
     }
 
-    static void row(const char *name, const char *from, const char *to, const char *mistakes)
+    static void row(const QByteArray &name, const QByteArray &from, const QByteArray &to, const QByteArray &mistakes)
     {
-        QTest::newRow(name) << QByteArray(from) << QByteArray(to) << QString::fromUtf8(mistakes);
+        QTest::newRow(name) << from << to << QString::fromUtf8(mistakes);
     }
 
 private Q_SLOTS:
@@ -112,7 +112,7 @@ private Q_SLOTS:
         row("amount with a comma", "50\n", "50,00\n", "3:13: \"50,00\" is no amount; write one like 50.00");
         row("amount below zero", "50\n", "-1\n", "3:13: \"-1\" is no amount; write one like 50.00");
         row("amount as a list", "50\n", "[50]\n", "3:13: write a plain value");
-        row("time without a unit", "15m", "15", "4:9: \"15\" is no time; write one like 15m, or 0m");
+        row("time without a unit", "15m", "15", "4:9: \"15\" is no time; write one like 15m, or 0m; at most 36500d");
         row("cards are no list", "  - uid: 12ABCDEF\n    entered: 2024-03-07T11:35:09\n", "  uid: 1\n",
             "7:3: cards: write a list, each card behind a dash");
         row("UID too short", "12ABCDEF", "12ABCDE",
@@ -122,22 +122,40 @@ private Q_SLOTS:
             "  - {uid: 10000000, entered: 1h before launch}\n  - {uid: 10000000, entered: 1h before launch}\n",
             "5:11: there is a card with the UID 10000000 above");
         row("no entry", "2024-03-07T11:35:09", "yesterday",
-            "8:14: \"yesterday\" is no entry; write 2024-03-07T11:35:09 or 2h30m before launch");
+            "8:14: \"yesterday\" is no entry; write 2024-03-07T11:35:09, of the years 2000 to 2099, or 2h30m before "
+            "launch");
         row("no time before the launch", "2024-03-07T11:35:09", "long before launch",
-            "8:14: \"long before launch\" says no time; write one like 2h30m before launch");
+            "8:14: \"long before launch\" says no time; write one like 2h30m before launch; at most 36500d");
+        for (const char *moment : {"0000-01-01T00:00:00", "0001-01-01T00:00:00", "1999-12-31T23:59:59",
+                                   "2100-01-01T00:00:00", "99999999-01-01T00:00:00"})
+            row(QByteArray("entry in ") + moment, "2024-03-07T11:35:09", moment,
+                "8:14: \"" + QByteArray(moment) +
+                    "\" is no entry; write 2024-03-07T11:35:09, of the years 2000 to 2099, or 2h30m before launch");
+        row("entry too long before the launch", "2024-03-07T11:35:09", "99999999d before launch",
+            "8:14: \"99999999d before launch\" says no time; write one like 2h30m before launch; at most 36500d");
+        row("free time without end", "15m", "99999999d",
+            "4:9: \"99999999d\" is no time; write one like 15m, or 0m; at most 36500d");
+        row("delay without end", "    entered:", "    answer-after: 36501d\n    entered:",
+            "8:19: \"36501d\" is no time; write one like 500ms or 5s; at most 36500d");
+        row("second document", "    entered: 2024-03-07T11:35:09\n",
+            "    entered: 2024-03-07T11:35:09\n---\nparking: there\n",
+            "10:1: there is a second document; write one alone");
+        row("second document that is empty", "    entered: 2024-03-07T11:35:09\n",
+            "    entered: 2024-03-07T11:35:09\n---\n", "10:1: there is a second document; write one alone");
         row("unknown state", "    entered:", "    state: gone\n    entered:",
             "8:12: there is no state \"gone\"; there are parked, paid, blocked, maintenance, unknown, malformed, "
             "conflict");
         row("wrong delay", "    entered:", "    answer-after: soon\n    entered:",
-            "8:19: \"soon\" is no time; write one like 500ms or 5s");
-        row("several at once", GOOD, "tariff:\n  per-hour: x\ncards:\n  - uid: y\n    color: red\n",
+            "8:19: \"soon\" is no time; write one like 500ms or 5s; at most 36500d");
+        row("several at once", GOOD, "tariff:\n  per-hour: x\ncards:\n  - uid: y\n    color: red\n---\n- a\n",
             "1:1: the file: \"parking\" is missing\n"
             "2:3: tariff: \"daily-maximum\" is missing\n"
             "2:3: tariff: \"free\" is missing\n"
             "2:13: \"x\" is no amount; write one like 50.00\n"
             "4:5: the card: \"entered\" is missing\n"
             "4:10: \"y\" is no UID; write eight hexadecimal digits, the highest first\n"
-            "5:5: there is no key \"color\" here; the keys are uid, entered, state, paid, answer-after, note");
+            "5:5: there is no key \"color\" here; the keys are uid, entered, state, paid, answer-after, note\n"
+            "7:1: there is a second document; write one alone");
     }
 
     void file_withAMistake_saysWhereAndWhat()

@@ -216,8 +216,13 @@ private Q_SLOTS:
                     .arg(QLatin1String(address)));
         row("host that is not there", {listen, QStringLiteral("192.0.2.1:0")},
             QStringLiteral("cash-service: cannot listen on 192.0.2.1:0: Cannot assign requested address\n"));
-        row("clock", {listen, anywhere, QStringLiteral("--clock"), QStringLiteral("noon")},
-            QStringLiteral("cash-service: --clock \"noon\" is no local time; write one like 2024-03-07T14:05:09\n"));
+        for (const char *time :
+             {"noon", "0000-01-01T00:00:00", "1999-12-31T23:59:59", "2100-01-01T00:00:00", "99999999-01-01T00:00:00"})
+            row(QByteArray("clock ") + time, {listen, anywhere, QStringLiteral("--clock"), QLatin1String(time)},
+                QStringLiteral(
+                    "cash-service: --clock \"%1\" is no local time; write one like 2024-03-07T14:05:09, of the "
+                    "years 2000 to 2099\n")
+                    .arg(QLatin1String(time)));
         row("path", {listen, anywhere, QStringLiteral("--path"), QStringLiteral("/admin")},
             QStringLiteral("cash-service: --path \"/admin\": /admin is taken; write another, for example /api\n"));
         row("path below admin", {listen, anywhere, QStringLiteral("--path"), QStringLiteral("admin/api/")},
@@ -292,7 +297,7 @@ private Q_SLOTS:
         QCOMPARE(ended.status, 2);
         QCOMPARE(QString::fromUtf8(ended.errors),
                  QStringLiteral("cash-service: %1:2:20: \"x\" is no amount; write one like 50.00\n"
-                                "%1:2:29: \"y\" is no time; write one like 15m, or 0m\n")
+                                "%1:2:29: \"y\" is no time; write one like 15m, or 0m; at most 36500d\n")
                      .arg(file.fileName()));
     }
 

@@ -161,6 +161,10 @@ private Q_SLOTS:
         row("-5s", none);
         row("5x", none);
         row("9999999999s", none);
+        row("36500d", 3'153'600'000'000);
+        row("36499d24h1ms", none);
+        row("36501d", none);
+        row("999999999d999999999h", none);
     }
 
     void duration_text_isReadInMilliseconds()
@@ -177,6 +181,10 @@ private Q_SLOTS:
         constexpr Moment moment = 1'709'809'509;
         QCOMPARE(cash::localText(moment), std::string("2024-03-07T14:05:09"));
         QCOMPARE(qint64(cash::momentFromLocalText("2024-03-07T14:05:09").value_or(0)), qint64(moment));
+        QVERIFY(cash::momentFromLocalText("2000-01-01T00:00:00"));
+        QVERIFY(cash::momentFromLocalText("2099-12-31T23:59:59"));
+        QVERIFY(!cash::momentFromLocalText("1999-12-31T23:59:59"));
+        QVERIFY(!cash::momentFromLocalText("2100-01-01T00:00:00"));
         QVERIFY(!cash::momentFromLocalText("2024-03-07T14:05:09+03:00"));
         QVERIFY(!cash::momentFromLocalText("2023-02-29T14:05:09"));
         QVERIFY(!cash::momentFromLocalText("2024-03-07 14:05:09"));

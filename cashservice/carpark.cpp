@@ -117,7 +117,7 @@ CarPark seededCarPark(Moment launch)
         {0x10000006, CardState::Conflict, entered, 0, {}, "owes 150.00; answers each payment with code 6"},
         {0x10000007, CardState::Parked, entered, 5000, {}, "has paid 50.00 and owes 100.00"},
         {0x10000008, CardState::Parked, entered, 0, slow, "owes 150.00 and takes 5 s to answer"},
-        {0x10000009, CardState::Parked, launch - 30 * HOUR, 0, {}, "has stayed 30 hours and owes 800.00"},
+        {0x10000009, CardState::Parked, entered - 27 * HOUR, 0, {}, "has stayed more than a day and owes 800.00"},
         {0x12345678, CardState::Parked, entered, 0, {}, "the demo's card: owes 150.00"},
     }};
     CarPark park;

@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 
 /// What the service answers, byte for byte: each folder in data/conversations holds requests, NUMBER-OPERATION.xml, and
 /// their answers, NUMBER-answer.xml, as one service without a past gives them at NOW.
@@ -227,6 +228,26 @@ private Q_SLOTS:
         values.amount = "-9223372036854775808";
         QCOMPARE(resultCode(pay(service, values)), QByteArray("1"));
         QCOMPARE(elementText(ask(service, values), "TotalCharge"), QByteArray("9223372036854775807"));
+    }
+
+    void seededCards_oweWhatTheirNotesSay_longAfterTheLaunch()
+    {
+        RunningService service;
+        int owing = 0;
+        for (const cash::Moment later : {0L, 1L, 29L * 60}) {
+            service.setNow(NOW + later);
+            for (const auto &[uid, card] : cash::seededCarPark(NOW).cards) {
+                const QRegularExpressionMatch note =
+                    QRegularExpression(QStringLiteral("owes (\\d+)\\.00")).match(QString::fromStdString(card.note));
+                if (!note.hasMatch() || card.answerAfter.count() != 0)
+                    continue;
+                ++owing;
+                QCOMPARE(elementText(ask(service, Requests::forCard(QByteArray::fromStdString(cash::wireUid(uid)))),
+                                     "TotalCharge"),
+                         note.captured(1).toLatin1() + "00");
+            }
+        }
+        QCOMPARE(owing, 3 * 4);
     }
 
     /// As on a machine that has lost the time.

@@ -5,19 +5,18 @@
 #include "core/providerparameter.h"
 #include "core/trelminfo.h"
 #include "extension/currency.h"
+#include "messagebus.h"
+#include "payment/inactivity.h"
+#include "payment/till.h"
 #include "plugin/pluginidentity.h"
-#include "purchase.h"
 #include "receipt.h"
+#include "servicemenu.h"
 
 #include <QObject>
-#include <QPointer>
-#include <QTimer>
 #include <QVariantMap>
 #include <QVector>
-#include <QWidget>
 
-#include <functional>
-#include <memory>
+#include <optional>
 
 class FormProject;
 
@@ -76,12 +75,13 @@ public:
     /// Whether a note would be taken now.
     [[nodiscard]] bool acceptsCash() const;
 
-    /// The payment form, to be embedded and shown on Form and Details; hidden and gone soon after stop. Else null.
-    [[nodiscard]] QWidget *formWidget() const { return m_form; }
+    /// The payment form, to be embedded and shown on Form and Details. Null from stop to start; what it was is hidden
+    /// then and gone soon.
+    [[nodiscard]] QWidget *formWidget() const;
     /// The plugin's page on Service, to be embedded and shown; gone on Close. Null where there is none.
-    [[nodiscard]] QWidget *settingsPage() const;
+    [[nodiscard]] QWidget *settingsPage() const { return m_service.page(); }
 
-    [[nodiscard]] const Purchase &purchase() const { return m_purchase; }
+    [[nodiscard]] const Purchase &purchase() const { return m_till.purchase(); }
     /// Of the latest payment that was paid or recovered since the program started, while it is being committed too. Its
     /// uid is 0 before the first.
     [[nodiscard]] const Receipt &receipt() const { return m_receipt; }
@@ -134,13 +134,48 @@ Q_SIGNALS:
     void quitReady();
 
 private:
+    using Verb = QString (Terminal::*)();
+
+    /// Takes the verb when its time comes. @return whether it is not now.
+    [[nodiscard]] bool isDeferred(Verb verb);
+    void carryOutDeferred();
+    /// @return why the verb does not apply now, which is logged.
+    [[nodiscard]] QString refuse(const char *verb) const;
+    /// A customer is there: Form or Details.
+    [[nodiscard]] bool isPaying() const;
+    void setScreen(Screen screen);
+
+    [[nodiscard]] QString beginPayment();
+    void endPayment();
+    void showDetails();
+    /// The customer has gone, or the plugin has: with money in the payment is committed, else it is over.
+    void giveUp(const char *why);
+    [[nodiscard]] QString beginCommit();
+    void runCommit();
+    void showReceipt(const LedgerEntry &payment, bool isRecovered);
+    /// Behind a receipt, or the service menu: the next receipt that nobody has seen, else Idle or Broken.
+    void showNext();
+    void takeRenewedPlugin();
+
     PluginHost &m_plugin;
     Ledger &m_ledger;
     TerminalOptions m_options;
+    MessageBus m_bus;
+    Inactivity m_inactivity;
+    ServiceMenu m_service;
     Screen m_screen = Screen::Idle;
     bool m_isCommitting = false;
-    QPointer<QWidget> m_form;
-    Purchase m_purchase;
+    bool m_isQuitting = false;
+    QVector<Verb> m_deferred;
+    /// Receipts of an earlier run that nobody has seen.
+    QVector<LedgerEntry> m_unseen;
+    /// What leaveSessionCard() left for the next session; not valid: nothing.
+    QVariant m_sessionCard;
+    /// From start to stop; deleted from the event loop, since it may be what called.
+    PaymentSession *m_session = nullptr;
+    Till m_till;
+    /// While a commit runs.
+    std::optional<Payment> m_payment;
     Receipt m_receipt;
 };
 } // namespace kiosk

@@ -153,7 +153,8 @@ void Ledger::beginCommit(qint64 uid, const Purchase &purchase)
         {toText(Outcome::Committing), purchase.due().value(), purchase.summ().value(), purchase.comission().value(),
          purchase.remainder().value(), uid});
     if (purchase.change() > FixNumber())
-        run(m_connection, QStringLiteral("INSERT INTO change_owed VALUES (?, ?)"), {uid, purchase.change().value()});
+        run(m_connection, QStringLiteral("INSERT OR REPLACE INTO change_owed VALUES (?, ?)"),
+            {uid, purchase.change().value()});
     transaction.commit();
 }
 

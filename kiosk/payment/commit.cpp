@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "payment/commit.h"
+
+#include "core/paypack.h"
+#include "core/terminalappsettings.h"
+#include "kiosklog.h"
+#include "payment/confirmationwatch.h"
+#include "plugin/pluginhost.h"
+#include "plugininterface/ipaybyprovider.h"
+
+#include <QElapsedTimer>
+
+namespace kiosk {
+Outcome commitPayment(const PluginHost &host, SessionManager &session, const Payment &payment)
+{
+    if (!host.plugin()->needPaymentPredProcessing())
+        return Outcome::Unconfirmed;
+    constexpr qint64 millisecondsOfASecond = 1000;
+    const qint64 limit = TerminalAppSettings().onlineCheckTimeout() * millisecondsOfASecond;
+    ConfirmationWatch watch(host.root());
+    PayPack pack;
+    pack.addPayment(payment);
+    // Not the wall clock, which may be set meanwhile.
+    QElapsedTimer clock;
+    clock.start();
+    host.plugin()->doPaymentPredProcessing(&session, &pack);
+    const qint64 elapsed = clock.elapsed();
+    const Outcome outcome = elapsed < limit && watch.isConfirmed() ? Outcome::Confirmed : Outcome::Unconfirmed;
+    qCInfo(KIOSK_LOG).noquote() << "payment" << payment.uid() << "of" << payment.total().toString() << toText(outcome)
+                                << "after" << elapsed << "of" << limit << "ms";
+    return outcome;
+}
+} // namespace kiosk

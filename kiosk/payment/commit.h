@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ledger/ledgerentry.h"
+
+class Payment;
+class SessionManager;
+
+namespace kiosk {
+class PluginHost;
+
+/// Has the plugin register the payment with the payee. Blocks until the plugin returns; events are processed meanwhile,
+/// so plugin and session must not go before that.
+/// @return Confirmed or Unconfirmed: the plugin tells nothing, so what is not seen to have worked is not known.
+[[nodiscard]] Outcome commitPayment(const PluginHost &host, SessionManager &session, const Payment &payment);
+} // namespace kiosk

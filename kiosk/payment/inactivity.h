@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+namespace kiosk {
+/// Notices that a customer has gone: no touch, no key and no restart() for a while.
+class Inactivity : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Inactivity(int seconds, QObject *parent = nullptr);
+
+    /// Begins to wait, from now on.
+    void start();
+    void stop();
+    /// The customer is there: waits from now on, if it waits at all.
+    void restart();
+
+Q_SIGNALS:
+    void expired();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QTimer m_timer;
+};
+} // namespace kiosk

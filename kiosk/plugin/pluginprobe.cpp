@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "plugin/pluginprobe.h"
+
+#include "plugin/pluginhost.h"
+
+#include <QFile>
+#include <QProcess>
+
+#include <cstdio>
+#include <cstring>
+
+namespace kiosk {
+namespace {
+// What stands before the child's report, among what the plugin itself may print. A plugin that can be used is reported
+// with no reason behind it.
+const char REPORT[] = "plugin-probe: ";
+
+QString lastLine(const QByteArray &errors)
+{
+    return QString::fromLocal8Bit(errors.trimmed().split('\n').last());
+}
+
+/// How a child that reported nothing ended.
+QString deathOf(const QProcess &process, const QByteArray &errors)
+{
+    const QString how = process.exitStatus() == QProcess::CrashExit
+                            ? QStringLiteral("сигнал %1, %2")
+                                  .arg(process.exitCode())
+                                  .arg(QString::fromLocal8Bit(strsignal(process.exitCode())))
+                            : QStringLiteral("код %1").arg(process.exitCode());
+    const QString words = lastLine(errors);
+    return QStringLiteral("Плагин завершил программу при загрузке (%1)").arg(how) +
+           (words.isEmpty() ? QString() : QStringLiteral(": ") + words);
+}
+} // namespace
+
+QString PluginProbe::run(const QString &pluginFile) const
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // No window of the child flashes up, and no screen is needed.
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    process.setProcessEnvironment(environment);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(program, arguments + QStringList{pluginFile});
+    if (!process.waitForStarted())
+        return QStringLiteral("Плагин нечем проверить: ") + process.errorString();
+    if (!process.waitForFinished(static_cast<int>(patience.count()))) {
+        process.kill();
+        process.waitForFinished();
+        return QStringLiteral("Плагин не загрузился за %1 мс").arg(patience.count());
+    }
+    const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(REPORT))
+            return QString::fromUtf8(line.mid(static_cast<int>(std::strlen(REPORT))));
+    }
+    return deathOf(process, process.readAllStandardError());
+}
+
+int PluginProbe::runInChild(const QString &pluginFile)
+{
+    PluginHost host(pluginFile);
+    host.load();
+    // One line, whatever the loader says.
+    const QByteArray reason = host.brokenReason().simplified().toUtf8();
+    std::printf("\n%s%s\n", REPORT, reason.constData());
+    std::fflush(stdout);
+    return reason.isEmpty() ? 0 : 1;
+}
+} // namespace kiosk

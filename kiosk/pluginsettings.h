@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStringList>
+#include <QVariantMap>
+
+namespace kiosk {
+/// The plugin's settings as they stand in the terminal's file, for those who set them without the plugin's page.
+namespace PluginSettings {
+/// The six keys.
+[[nodiscard]] QStringList keys();
+/// What is wrong with the setting, for people; empty where nothing is.
+[[nodiscard]] QString mistake(const QString &key, const QString &value);
+/// Stores them as the plugin's page would: as texts, the port as a plain number. @param settings without mistakes.
+void write(const QVariantMap &settings);
+} // namespace PluginSettings
+} // namespace kiosk

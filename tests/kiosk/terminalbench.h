@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ledger/ledger.h"
+#include "plugin/pluginhost.h"
+#include "terminal.h"
+
+#include "support/waiting.h"
+#include "support/workdirectory.h"
+
+#include <QVBoxLayout>
+#include <QWidget>
+
+#include <memory>
+
+/// A terminal with the fake plugin, a window of one widget, and a ledger in the work directory. The test's target needs
+/// FAKE_PLUGIN_FILE.
+class TerminalBench
+{
+public:
+    using Screen = kiosk::Terminal::Screen;
+
+    explicit TerminalBench(const kiosk::TerminalOptions &options = {})
+        : m_host(QStringLiteral(FAKE_PLUGIN_FILE)), m_ledger(ledgerPath())
+    {
+        m_host.load();
+        Q_UNUSED(takeCalls());
+        QMetaObject::invokeMethod(m_host.root(), "forgetPlans");
+        m_terminal = std::make_unique<kiosk::Terminal>(m_host, m_ledger, options);
+        QObject::connect(m_terminal.get(), &kiosk::Terminal::screenChanged, &m_window, [this] { embedForm(); });
+        m_window.show();
+    }
+    ~TerminalBench()
+    {
+        m_terminal.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    TerminalBench(const TerminalBench &) = delete;
+    TerminalBench &operator=(const TerminalBench &) = delete;
+
+    [[nodiscard]] static QString ledgerPath() { return WorkDirectory::path() + QStringLiteral("/ledger.db"); }
+
+    kiosk::Terminal *operator->() const { return m_terminal.get(); }
+    [[nodiscard]] kiosk::Terminal &terminal() const { return *m_terminal; }
+    [[nodiscard]] kiosk::PluginHost &host() { return m_host; }
+
+    void plan(const char *what, const QVariant &value)
+    {
+        QMetaObject::invokeMethod(m_host.root(), "plan", Q_ARG(QString, QLatin1String(what)), Q_ARG(QVariant, value));
+    }
+    /// Calls a slot of the plugin's root object.
+    void tellPlugin(const char *slot) { QMetaObject::invokeMethod(m_host.root(), slot); }
+    [[nodiscard]] QStringList takeCalls()
+    {
+        QStringList calls;
+        QMetaObject::invokeMethod(m_host.root(), "takeCalls", Q_RETURN_ARG(QStringList, calls));
+        return calls;
+    }
+    [[nodiscard]] QVariantMap sessionData()
+    {
+        QVariantMap data;
+        QMetaObject::invokeMethod(m_host.root(), "sessionData", Q_RETURN_ARG(QVariantMap, data));
+        return data;
+    }
+    void fill(const char *parameter, const QString &value)
+    {
+        QMetaObject::invokeMethod(m_host.root(), "fill", Q_ARG(QString, QLatin1String(parameter)),
+                                  Q_ARG(QString, value));
+    }
+    /// The form says something.
+    void signal(const char *name) const { QMetaObject::invokeMethod(m_terminal->formWidget(), name); }
+
+    /// A customer who has the details before him.
+    void showDetails(const QString &sumDue = QStringLiteral("150.00"))
+    {
+        m_terminal->start();
+        fill("card_num", QStringLiteral("000123456"));
+        fill("UIN", QStringLiteral("77"));
+        fill("SummToPay", sumDue);
+        signal("needShowPayDetail");
+    }
+    QString takeCash(const char *amount) const
+    {
+        return m_terminal->takeCash(FixNumber(100, QString::fromLatin1(amount)));
+    }
+    [[nodiscard]] kiosk::Outcome outcome() const { return m_terminal->receipt().payment.outcome; }
+    [[nodiscard]] kiosk::LedgerEntry latest() const { return m_terminal->entries(1).value(0); }
+
+private:
+    void embedForm()
+    {
+        QWidget *const form = m_terminal->formWidget();
+        if (form == nullptr)
+            return;
+        form->setParent(&m_window);
+        form->show();
+    }
+
+    kiosk::PluginHost m_host;
+    kiosk::Ledger m_ledger;
+    QWidget m_window;
+    std::unique_ptr<kiosk::Terminal> m_terminal;
+};

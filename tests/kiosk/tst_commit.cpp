@@ -1,0 +1,245 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "core/terminalappsettings.h"
+#include "kiosk/terminalbench.h"
+
+#include "support/testcase.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+
+using kiosk::Outcome;
+using kiosk::Terminal;
+using Screen = Terminal::Screen;
+
+namespace {
+/// What stands between the plugin's being asked to register a payment and its return.
+QStringList confirmation(const QStringList &calls)
+{
+    const int begin = calls.indexOf(calls.filter(QStringLiteral("pay ")).value(0));
+    return calls.mid(begin + 1, calls.indexOf(QStringLiteral("returned")) - begin - 1);
+}
+
+QString payCall(const QStringList &calls)
+{
+    return calls.filter(QStringLiteral("pay ")).join(QLatin1Char(';'));
+}
+} // namespace
+
+/// What becomes of a payment once it is to be committed.
+class CommitTest : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void outcome_ofWhatThePluginDoes_isConfirmedOnlyWhenSeen_data()
+    {
+        QTest::addColumn<QString>("confirmation");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::newRow("takes its message off") << "taken off" << Outcome::Confirmed;
+        QTest::newRow("takes its message off and returns at once") << "taken off at once" << Outcome::Confirmed;
+        QTest::newRow("leaves its message up") << "left up" << Outcome::Unconfirmed;
+        QTest::newRow("puts up another message") << "replaced" << Outcome::Unconfirmed;
+        QTest::newRow("puts up another message later") << "another behind it" << Outcome::Unconfirmed;
+        QTest::newRow("lets its message run out") << "closed by itself" << Outcome::Unconfirmed;
+        QTest::newRow("shows no message") << "no message" << Outcome::Unconfirmed;
+        QTest::newRow("returns too late") << "late" << Outcome::Unconfirmed;
+    }
+
+    void outcome_ofWhatThePluginDoes_isConfirmedOnlyWhenSeen()
+    {
+        QFETCH(QString, confirmation);
+        QFETCH(Outcome, outcome);
+        if (confirmation == QLatin1String("late"))
+            TerminalAppSettings().setOnlineCheckTimeout(1);
+        TerminalBench bench;
+        bench.plan("confirmation", confirmation);
+        bench.showDetails();
+        bench.takeCash("150");
+        QCOMPARE(bench->pay(), QString());
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(bench.outcome(), outcome);
+        QCOMPARE(bench.latest().outcome, outcome);
+        QVERIFY(!bench->receipt().isRecovered);
+    }
+
+    void payment_handedToThePlugin_hasTheLedgersNumberAndAmounts()
+    {
+        kiosk::TerminalOptions options;
+        options.comission = FixNumber(100, QStringLiteral("5.00"));
+        TerminalBench bench(options);
+        bench.showDetails();
+        bench.takeCash("200");
+        bench->pay();
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        const qint64 first = bench->receipt().payment.uid;
+        QCOMPARE(payCall(bench.takeCalls()), QStringLiteral("pay %1 150.00 5.00").arg(first));
+        QCOMPARE(bench->receipt().payment.total.toString(), QStringLiteral("155.00"));
+        QCOMPARE(bench->receipt().payment.change.toString(), QStringLiteral("45.00"));
+        QVERIFY(!bench->purchase().isNothingDue());
+
+        bench->start();
+        WAIT_FOR(bench->screen(), Screen::Form);
+        QVERIFY(bench->purchase().isNothingDue());
+        QVERIFY(!bench->purchase().hasCash());
+        bench.showDetails();
+        bench.takeCash("50");
+        bench->pay();
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QVERIFY(bench->receipt().payment.uid > first);
+        QCOMPARE(bench->receipt().payment.remainder.toString(), QStringLiteral("105.00"));
+    }
+
+    void pay_accepted_isCommittingBeforeThePluginIsAsked()
+    {
+        TerminalBench bench;
+        bench.showDetails();
+        bench.takeCash("150");
+        Q_UNUSED(bench.takeCalls());
+        QSignalSpy committing(&bench.terminal(), &Terminal::committingChanged);
+        bench->pay();
+        QVERIFY(bench->isCommitting());
+        QCOMPARE(bench.latest().outcome, Outcome::Committing);
+        QCOMPARE(bench.outcome(), Outcome::Committing);
+        QVERIFY(bench.takeCalls().isEmpty());
+        QVERIFY(!bench->acceptsCash());
+        WAIT_FOR(bench->isCommitting(), false);
+        QCOMPARE(committing.count(), 2);
+    }
+
+    /// Each is done while the plugin waits for the payee, and again in pairs.
+    void verb_insideACommit_waitsUntilTheRowIsWritten_data()
+    {
+        QTest::addColumn<QByteArrayList>("verbs");
+        QTest::addColumn<Screen>("screen");
+        QTest::newRow("start") << QByteArrayList{"start"} << Screen::Form;
+        QTest::newRow("stop") << QByteArrayList{"stop"} << Screen::Idle;
+        QTest::newRow("pay") << QByteArrayList{"pay"} << Screen::Receipt;
+        QTest::newRow("cancel") << QByteArrayList{"cancel"} << Screen::Receipt;
+        QTest::newRow("quit") << QByteArrayList{"quit"} << Screen::Receipt;
+        QTest::newRow("stop and start") << QByteArrayList{"stop", "start"} << Screen::Form;
+        QTest::newRow("start and start") << QByteArrayList{"start", "start"} << Screen::Form;
+        QTest::newRow("start and stop") << QByteArrayList{"start", "stop"} << Screen::Idle;
+        QTest::newRow("cancel and stop") << QByteArrayList{"cancel", "stop"} << Screen::Idle;
+    }
+
+    void verb_insideACommit_waitsUntilTheRowIsWritten()
+    {
+        QFETCH(QByteArrayList, verbs);
+        QFETCH(Screen, screen);
+        TerminalBench bench;
+        QSignalSpy quitReady(&bench.terminal(), &Terminal::quitReady);
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        bool wereTaken = true;
+        QTimer::singleShot(50, &bench.terminal(), [&] {
+            for (const QByteArray &verb : verbs) {
+                QString refused;
+                wereTaken =
+                    QMetaObject::invokeMethod(&bench.terminal(), verb.constData(), Q_RETURN_ARG(QString, refused)) &&
+                    refused.isEmpty() && wereTaken;
+            }
+            wereTaken = wereTaken && bench->isCommitting() && bench->screen() == Screen::Details &&
+                        bench.latest().outcome == Outcome::Committing;
+            bench.tellPlugin("letGo");
+        });
+        WAIT_FOR(bench->isCommitting(), false);
+        QVERIFY(wereTaken);
+        WAIT_FOR(bench->screen(), screen);
+        QCOMPARE(quitReady.count(), verbs.contains("quit") ? 1 : 0);
+        QCOMPARE(bench.latest().outcome, Outcome::Confirmed);
+        QCOMPARE(bench->entries().size(), 1);
+        QVERIFY(confirmation(bench.takeCalls()).isEmpty());
+    }
+
+    void verb_thatNeedsNoPlugin_insideACommit_isRefused()
+    {
+        TerminalBench bench;
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        QString cash;
+        QString receipt;
+        QTimer::singleShot(50, &bench.terminal(), [&] {
+            cash = bench.takeCash("100");
+            receipt = bench->closeReceipt();
+            bench.tellPlugin("letGo");
+        });
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QVERIFY(!cash.isEmpty());
+        QVERIFY(!receipt.isEmpty());
+        QCOMPARE(bench->receipt().payment.cash.toString(), QStringLiteral("150.00"));
+    }
+
+    void formSignals_insideACommit_changeNothing()
+    {
+        TerminalBench bench;
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("100");
+        bench->pay();
+        QTimer::singleShot(50, &bench.terminal(), [&] {
+            bench.fill("SummToPay", QStringLiteral("1.00"));
+            bench.signal("needShowPayDetail");
+            bench.signal("needCancel");
+            // Behind the queued needCancel.
+            QTimer::singleShot(50, &bench.terminal(), [&] { bench.tellPlugin("letGo"); });
+        });
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(bench->purchase().due().toString(), QStringLiteral("150.00"));
+        QCOMPARE(bench.outcome(), Outcome::Confirmed);
+        bench.signal("needCancel");
+        bench.signal("needShowPayDetail");
+        QCoreApplication::processEvents();
+        QCOMPARE(bench->screen(), Screen::Receipt);
+    }
+
+    void card_insideACommit_reachesThePlugin()
+    {
+        TerminalBench bench;
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        QTimer::singleShot(50, &bench.terminal(), [&] {
+            bench->readCard({{QStringLiteral("id"), QStringLiteral("1")}});
+            bench.tellPlugin("letGo");
+        });
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(confirmation(bench.takeCalls()), QStringList{QStringLiteral("card 1")});
+    }
+
+    void inactivity_insideACommit_standsStill()
+    {
+        kiosk::TerminalOptions options;
+        options.inactivitySeconds = 1;
+        TerminalBench bench(options);
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        QTimer::singleShot(2000, &bench.terminal(), [&] { bench.tellPlugin("letGo"); });
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(bench.outcome(), Outcome::Confirmed);
+        QCOMPARE(bench->entries().size(), 1);
+    }
+
+    void needCancel_ofAnEndedPayment_doesNotReachTheNext()
+    {
+        TerminalBench bench;
+        bench->start();
+        bench.signal("needCancel");
+        // Queued, and not yet delivered.
+        bench->stop();
+        bench->start();
+        WAIT_FOR(bench->screen(), Screen::Form);
+        QCoreApplication::processEvents();
+        QCOMPARE(bench->screen(), Screen::Form);
+    }
+};
+
+WIDGET_TEST_MAIN(CommitTest)
+#include "tst_commit.moc"

@@ -39,11 +39,15 @@ DefaultMessageView::DefaultMessageView(QWidget *parent) : QWidget(parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(48, 40, 48, 40);
     layout->setSpacing(24);
-    layout->addStretch(2);
+    layout->addStretch(1);
     layout->addWidget(named(new WaitIndicator(this), "waitIndicator"), 0, Qt::AlignHCenter);
     layout->addWidget(errorMark(this), 0, Qt::AlignHCenter);
     layout->addWidget(named(new MessageText(this), "messageText"));
     layout->addWidget(countdown);
-    layout->addStretch(3);
+    // On a tall screen the buttons stay near to what they answer.
+    auto *gap = new QWidget(this);
+    gap->setMaximumHeight(160);
+    layout->addWidget(gap, 8);
     layout->addLayout(buttons);
+    layout->addStretch(1);
 }

@@ -74,7 +74,8 @@ void FormViewer::addView(QWidget *view, const QString &name)
         earlier->deleteLater();
     }
     removeView(view);
-    view->setObjectName(name);
+    if (view->objectName().isEmpty())
+        view->setObjectName(name);
     view->setParent(this);
     // Below a viewer that is laid over this one.
     view->lower();
@@ -101,11 +102,7 @@ bool FormViewer::isView(const QObject *object) const
 
 QString FormViewer::currentView() const
 {
-    for (const View &view : m_views) {
-        if (m_current && view.widget == m_current)
-            return view.name;
-    }
-    return {};
+    return m_current ? m_currentName : QString();
 }
 
 SessionManager *FormViewer::session() const
@@ -116,8 +113,12 @@ SessionManager *FormViewer::session() const
 void FormViewer::setCurrent(QWidget *view)
 {
     m_current = view;
-    for (const View &other : qAsConst(m_views)) {
-        if (QWidget *widget = other.widget; widget != nullptr && widget != view)
+    QString name;
+    for (const View &each : qAsConst(m_views)) {
+        QWidget *widget = each.widget;
+        if (widget == view)
+            name = each.name;
+        else if (widget != nullptr)
             widget->hide();
     }
     if (view != nullptr)
@@ -126,7 +127,10 @@ void FormViewer::setCurrent(QWidget *view)
         updateWaitingPage();
         takeFocus();
     }
-    Q_EMIT currentViewChanged(currentView());
+    if (name == m_currentName)
+        return;
+    m_currentName = name;
+    Q_EMIT currentViewChanged(name);
 }
 
 bool FormViewer::eventFilter(QObject *watched, QEvent *event)
@@ -143,8 +147,10 @@ void FormViewer::childEvent(QChildEvent *event)
     QWidget::childEvent(event);
     if (!event->removed() || event->child() == m_waitingPage)
         return;
-    // Deleted by now, or somebody else's.
-    const QObject *child = event->child();
+    // Somebody else's now, or deleted: then no pointer to it is left.
+    QObject *child = event->child();
+    if (isView(child))
+        child->removeEventFilter(this);
     const auto isGone = [&](const View &view) { return view.widget.isNull() || view.widget == child; };
     const auto gone = std::remove_if(m_views.begin(), m_views.end(), isGone);
     if (gone == m_views.end())

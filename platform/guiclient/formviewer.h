@@ -80,6 +80,7 @@ private:
     bool m_fullScreen;
     QVector<View> m_views;
     QPointer<QWidget> m_current;
+    QString m_currentName;
     QWidget *m_waitingPage = nullptr;
     QPointer<QWidget> m_focusBefore;
 };

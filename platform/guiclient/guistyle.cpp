@@ -21,8 +21,8 @@ FormViewer QPushButton {
     font-family: "DejaVu Sans"; font-size: 34px; font-weight: bold; min-height: 84px; padding: 0px 24px;
 }
 FormViewer QPushButton:pressed { background: #cfe0f2; }
-FormViewer #okButton, FormViewer #yesButton, FormViewer #nextButton { color: #ffffff; background: #0b4a8a; }
-FormViewer #okButton:pressed, FormViewer #yesButton:pressed, FormViewer #nextButton:pressed { background: #07315c; }
+FormViewer #okButton, FormViewer #nextButton { color: #ffffff; background: #0b4a8a; }
+FormViewer #okButton:pressed, FormViewer #nextButton:pressed { background: #07315c; }
 FormViewer QPushButton:focus { border-color: #d97700; }
 
 FormViewer #inputLabel { font-size: 40px; }

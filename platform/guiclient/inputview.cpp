@@ -81,8 +81,8 @@ InputView::InputView(const ProviderParameter &parameter, const QString &provider
     auto *centred = new QHBoxLayout;
     centred->addWidget(keyboard);
     layout->addLayout(centred, 1);
-    layout->addStretch();
     layout->addLayout(buttons);
+    layout->addStretch();
 }
 
 void InputView::connectKeyboard(const OnScreenKeyboard *keyboard)

@@ -44,7 +44,8 @@ const TextFlow &MessageText::flow()
     const int width = std::max(1, now.size.width() - 2 * SCROLL_BAR_ROOM);
     m_letterSize = QFontInfo(now.font).pixelSize();
     m_flow = std::make_unique<TextFlow>(now.text, now.font, width, now.alignment);
-    while (m_flow->height() > now.size.height() && m_letterSize > SMALLEST_LETTERS) {
+    const auto isTooLarge = [&] { return m_flow->height() > now.size.height() || m_flow->breaksWords(); };
+    while (isTooLarge() && m_letterSize > SMALLEST_LETTERS) {
         m_letterSize = std::max(SMALLEST_LETTERS, m_letterSize * 9 / 10);
         m_flow = std::make_unique<TextFlow>(now.text, ofSize(now.font, m_letterSize), width, now.alignment);
     }

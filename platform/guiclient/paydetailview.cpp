@@ -59,11 +59,12 @@ PayDetailView::PayDetailView(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(32, 20, 32, 20);
     layout->setSpacing(8);
+    layout->addStretch(1);
     layout->addWidget(caption);
     layout->addWidget(m_sumDue);
     layout->addWidget(m_paidIn);
     layout->addSpacing(16);
-    layout->addWidget(scrollable(m_parameters), 1);
+    layout->addWidget(scrollable(m_parameters), 6);
     layout->addWidget(m_phone);
 }
 

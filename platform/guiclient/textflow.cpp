@@ -7,25 +7,28 @@
 
 #include <cmath>
 
-namespace {
-QTextOption option(Qt::Alignment alignment)
-{
-    QTextOption option(alignment & Qt::AlignHorizontal_Mask);
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    return option;
-}
-} // namespace
-
 TextFlow::TextFlow(const QString &text, const QFont &font, int width, Qt::Alignment alignment)
     : m_layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), font)
 {
-    m_layout.setTextOption(option(alignment));
+    QTextOption option(alignment & Qt::AlignHorizontal_Mask);
+    option.setWrapMode(QTextOption::WordWrap);
+    layOut(width, option);
+    if (!m_breaksWords)
+        return;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layOut(width, option);
+}
+
+void TextFlow::layOut(int width, const QTextOption &option)
+{
+    m_layout.setTextOption(option);
     m_layout.beginLayout();
     qreal y = 0;
     for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
         line.setLineWidth(width);
         line.setPosition({0, y});
         y += line.height();
+        m_breaksWords = m_breaksWords || line.naturalTextWidth() > width;
     }
     m_layout.endLayout();
     m_height = static_cast<int>(std::ceil(y));

@@ -6,8 +6,8 @@
 
 class QPainter;
 
-/// Plain text in lines of a given width: breaks at words, and inside a word that is longer than a line, so that nothing
-/// of it is ever cut off at the side.
+/// Plain text in lines of a given width: breaks between words, and inside words only where one is longer than a line,
+/// so that nothing of it is ever cut off at the side.
 class TextFlow
 {
 public:
@@ -15,10 +15,15 @@ public:
 
     /// Of all lines, in pixels.
     [[nodiscard]] int height() const { return m_height; }
+    /// Whether a word is longer than a line.
+    [[nodiscard]] bool breaksWords() const { return m_breaksWords; }
     /// @param top where the first line begins. Lines outside of the painter's clip are left out.
     void draw(QPainter &painter, const QPoint &top) const;
 
 private:
+    void layOut(int width, const QTextOption &option);
+
     QTextLayout m_layout;
     int m_height = 0;
+    bool m_breaksWords = false;
 };

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
 #include "clientprobe.h"
+#include "support/openresources.h"
 #include "support/rawserver.h"
 #include "support/testcase.h"
 
@@ -18,18 +19,6 @@ namespace {
 constexpr int CLIENTS = 1'000;
 constexpr size_t MOST_HEAP_EACH = 4 * 1024;
 
-struct Footprint
-{
-    int descriptors;
-    int threads;
-    size_t heap;
-};
-
-int entries(const char *folder)
-{
-    return QDir(QLatin1String(folder)).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-}
-
 /// The thread in which Qt works on exchanges; its others serve the whole process.
 bool isExchangeThreadRunning()
 {
@@ -41,10 +30,11 @@ bool isExchangeThreadRunning()
     });
 }
 
-Footprint footprint()
+/// @return in bytes.
+size_t heapInUse()
 {
     waitUntil([] { return !isExchangeThreadRunning(); });
-    return {entries("/proc/self/fd"), entries("/proc/self/task"), mallinfo2().uordblks};
+    return mallinfo2().uordblks;
 }
 
 /// A client that has had one exchange. @return null when it did not end well.
@@ -93,19 +83,18 @@ TEST_CHILD(keepsClients)
     std::vector<std::unique_ptr<ParkomatAccessManager>> clients;
     clients.reserve(CLIENTS + 1);
     clients.push_back(usedClient());
-    const Footprint first = footprint();
+    const size_t firstHeap = heapInUse();
+    const OpenResources first;
     for (int i = 0; i < CLIENTS; ++i)
         clients.push_back(usedClient());
-    const Footprint last = footprint();
+    const QStringList left = first.left();
+    const size_t lastHeap = heapInUse();
     if (std::find(clients.cbegin(), clients.cend(), nullptr) != clients.cend())
         std::puts("an exchange failed");
-    if (last.descriptors != first.descriptors)
-        std::printf("%d descriptors instead of %d\n", last.descriptors, first.descriptors);
-    if (last.threads != first.threads)
-        std::printf("%d threads instead of %d\n", last.threads, first.threads);
-    const size_t heapEach = (last.heap - first.heap) / CLIENTS;
-    if (last.heap > first.heap && heapEach > MOST_HEAP_EACH)
-        std::printf("%zu bytes of heap each\n", heapEach);
+    for (const QString &what : left)
+        std::printf("left behind: %s\n", qPrintable(what));
+    if (lastHeap > firstHeap && (lastHeap - firstHeap) / CLIENTS > MOST_HEAP_EACH)
+        std::printf("%zu bytes of heap each\n", (lastHeap - firstHeap) / CLIENTS);
     return 0;
 }
 

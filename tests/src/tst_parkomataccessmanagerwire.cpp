@@ -5,10 +5,10 @@
 #include "parkinfopayrequest.h"
 #include "parkingcheckrequest.h"
 #include "parkomatdatastorage.h"
+#include "support/openresources.h"
 #include "support/rawserver.h"
 #include "support/testcase.h"
 
-#include <QDir>
 #include <QEventLoop>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -74,12 +74,6 @@ QByteArray encoded(const char *codec, const QString &text)
     return QTextCodec::codecForName(codec)->fromUnicode(text);
 }
 
-/// Entries of a folder of /proc: the process's descriptors or threads.
-int entries(const char *folder)
-{
-    return QDir(QLatin1String(folder)).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-}
-
 QNetworkAccessManager *managerOf(const ParkomatAccessManager &client)
 {
     return client.findChild<QNetworkAccessManager *>(QString(), Qt::FindDirectChildrenOnly);
@@ -130,12 +124,23 @@ void addRow(const char *name, const RawAnswer &answer, const QString &seen, int 
 {
     QTest::newRow(name) << answer << seen << mostTimes;
 }
-
 void addAnswer(const char *name, const QByteArray &bytes, const QString &seen)
 {
     addRow(name, {bytes}, seen);
 }
 
+} // namespace
+
+// When an answer that ends with the connection was there before Qt's thread had looked for it, Qt 5.15 takes its end
+// for a break too: besides reporting it, it connects once more and writes the head of the same request, which is as far
+// as it comes before the reply is gone. If the answer was packed, the state of its unpacking is lost. What zlib
+// allocates in this process it allocates for Qt.
+extern "C" const char *__lsan_default_suppressions()
+{
+    return "leak:inflateInit2_\n";
+}
+
+namespace {
 const QString CLOSED = QStringLiteral("error 2 Connection closed");
 // Qt by itself posts again when the connection ends before a status line was read, in at most four attempts.
 constexpr int SENT_AGAIN = 4;
@@ -464,7 +469,7 @@ private Q_SLOTS:
     {
         // Bound, but nobody listens.
         QTcpSocket holder;
-        QVERIFY(holder.bind(QHostAddress::LocalHost));
+        QVERIFY(holder.bind(QHostAddress(QHostAddress::LocalHost)));
         useService(holder.localPort());
         ParkomatAccessManager client;
         const ClientProbe probe(client);
@@ -636,8 +641,7 @@ private Q_SLOTS:
         RawServer server;
         server.plan(answer);
         useService(server.port());
-        const int descriptors = entries("/proc/self/fd");
-        const int threads = entries("/proc/self/task");
+        const OpenResources before;
         auto client = std::make_unique<ParkomatAccessManager>();
         const ClientProbe probe(*client);
         client->postData(QStringLiteral("ParkInfoPay"), DOCUMENT);
@@ -649,8 +653,7 @@ private Q_SLOTS:
         client.reset();
         QVERIFY(!manager && !reply);
         WAIT_FOR(server.openConnections(), 0);
-        WAIT_FOR(entries("/proc/self/task"), threads);
-        WAIT_FOR(entries("/proc/self/fd"), descriptors);
+        QCOMPARE(before.left(), QStringList());
         QCOMPARE(probe.seen(), QStringList());
         QVERIFY(MessageLog::take().isEmpty());
         QVERIFY(isJournalFresh());
@@ -672,8 +675,7 @@ private Q_SLOTS:
         RawServer server;
         server.plan({bytes});
         useService(server.port());
-        const int descriptors = entries("/proc/self/fd");
-        const int threads = entries("/proc/self/task");
+        const OpenResources before;
         auto *client = new ParkomatAccessManager;
         const QPointer<QNetworkAccessManager> manager(managerOf(*client));
         QPointer<QNetworkReply> reply;
@@ -693,8 +695,7 @@ private Q_SLOTS:
         QVERIFY(wasManagerAlive);
         QVERIFY(!reply);
         WAIT_FOR(server.openConnections(), 0);
-        WAIT_FOR(entries("/proc/self/task"), threads);
-        WAIT_FOR(entries("/proc/self/fd"), descriptors);
+        QCOMPARE(before.left(), QStringList());
         MessageLog::drop();
     }
 
@@ -728,14 +729,12 @@ private Q_SLOTS:
         useService(server.port());
         ParkomatAccessManager client;
         const ClientProbe probe(client);
-        const int descriptors = entries("/proc/self/fd");
-        const int threads = entries("/proc/self/task");
+        const OpenResources before;
         for (int i = 1; i <= 3; ++i) {
             client.postData(QStringLiteral("X"), DOCUMENT);
             WAIT_FOR(probe.seen().size(), i);
             WAIT_FOR(server.openConnections(), 0);
-            WAIT_FOR(entries("/proc/self/task"), threads);
-            WAIT_FOR(entries("/proc/self/fd"), descriptors);
+            QCOMPARE(before.left(), QStringList());
             QCOMPARE(server.connections(), i);
         }
         MessageLog::drop();
@@ -814,7 +813,7 @@ private Q_SLOTS:
     {
         // Qt's code for a refused connection, not the one for a refused proxy.
         QTcpSocket holder;
-        QVERIFY(holder.bind(QHostAddress::LocalHost));
+        QVERIFY(holder.bind(QHostAddress(QHostAddress::LocalHost)));
         useDistantService();
         const ProxyInUse inUse(holder.localPort(), QString(), QString());
         ParkomatAccessManager client;

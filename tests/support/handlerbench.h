@@ -69,6 +69,10 @@ public:
             parametersNamed({"card_num", "SummToPay", "TermNo", "ParkNumber", "StartDate", "StartTime", "UIN"}));
         m_session = std::make_unique<SessionManager>(&m_project);
     }
+    // The host's objects die in the middle of the payment; they are not to be asked for until the next one.
+    void loseProvider() { m_provider.reset(); }
+    void loseSession() { m_session.reset(); }
+
     [[nodiscard]] Provider &provider() const { return *m_provider; }
     [[nodiscard]] SessionManager &session() const { return *m_session; }
     [[nodiscard]] FormProject &project() { return m_project; }
@@ -150,8 +154,15 @@ public:
 
     // The screen
 
-    /// Null before start() and once the form has gone.
-    [[nodiscard]] PluginBaseFormViewer *form() const { return m_form; }
+    [[nodiscard]] bool hasForm() const { return !m_form.isNull(); }
+    /// Never null: without a form the test ends here.
+    [[nodiscard]] PluginBaseFormViewer *form() const
+    {
+        PluginBaseFormViewer *const form = m_form;
+        if (form == nullptr)
+            qFatal("there is no form");
+        return form;
+    }
     /// What is on top: the viewer that the plugin laid over the form, else the form. May be null.
     [[nodiscard]] FormViewer *topViewer() const
     {
@@ -166,11 +177,9 @@ public:
     /// The name of the view on top: "messagesView", "inputView"; empty for none.
     [[nodiscard]] QString topView() const { return topViewer() != nullptr ? topViewer()->currentView() : QString(); }
     /// Empty without a message on top.
-    [[nodiscard]] QString messageText() const
-    {
-        const auto *label = part<QLabel>("messageText");
-        return label != nullptr ? label->text() : QString();
-    }
+    [[nodiscard]] QString messageText() const { return text<QLabel>("messageText"); }
+    /// Seconds left of the message on top, as it says; empty where it does not.
+    [[nodiscard]] QString countdown() const { return text<QLabel>("countdown"); }
     /// Which buttons the view on top offers: none for a wait, "ok" for an error, "ok cancel" for a prompt, "yes no".
     /// On an input screen "next back".
     [[nodiscard]] QString buttons() const
@@ -182,16 +191,14 @@ public:
         }
         return shown.join(QLatin1Char(' '));
     }
-    [[nodiscard]] QString caption(const char *name) const
-    {
-        return button(name) != nullptr ? button(name)->text() : QString();
-    }
+    [[nodiscard]] QString caption(const char *name) const { return text<QAbstractButton>(QByteArray(name) + "Button"); }
     /// Touches a button of the view on top, by its name in buttons(). @return false when it is not offered.
     [[nodiscard]] bool press(const char *name) const
     {
-        if (button(name) == nullptr)
+        QAbstractButton *const touched = button(name);
+        if (touched == nullptr)
             return false;
-        button(name)->click();
+        touched->click();
         return true;
     }
     /// Types a text into the input screen in place of what is there, and goes on. @return false without such a screen.
@@ -203,18 +210,29 @@ public:
         line->setText(text);
         return press("next");
     }
-    /// A visible part of the view on top, by its object name.
+    /// Text of a visible part of the view on top, by its object name; a null text where there is none.
     template <typename Widget>
-    [[nodiscard]] Widget *part(const QString &name) const
+    [[nodiscard]] QString text(const char *name) const
+    {
+        const auto *widget = part<Widget>(name);
+        return widget != nullptr ? widget->text() : QString();
+    }
+    /// A visible part of the view on top, by its object name; else null.
+    template <typename Widget>
+    [[nodiscard]] Widget *part(const char *name) const
     {
         QWidget *const view = topViewer() != nullptr ? topViewer()->getUi(topView()) : nullptr;
-        auto *const widget = view != nullptr ? view->findChild<Widget *>(name) : nullptr;
+        auto *const widget = view != nullptr ? view->findChild<Widget *>(QLatin1String(name)) : nullptr;
         return widget != nullptr && widget->isVisible() ? widget : nullptr;
     }
 
+    /// Whether the widget is there and cannot be seen.
+    [[nodiscard]] static bool isHidden(const QWidget *widget) { return widget != nullptr && !widget->isVisible(); }
+
     /// The form's signals since the last call, in order: "needCancel", "needTick", "needShowPayDetail".
     [[nodiscard]] QStringList takeSignals() { return std::exchange(m_signals, {}); }
-    /// The same, without taking and without the ticks.
+    [[nodiscard]] int ticks() const { return m_signals.count(QStringLiteral("needTick")); }
+    /// The signals without taking them, and without the ticks.
     [[nodiscard]] QStringList outcome() const
     {
         QStringList signalled = m_signals;
@@ -223,14 +241,9 @@ public:
     }
 
 private:
-    template <typename Widget>
-    [[nodiscard]] Widget *part(const char *name) const
-    {
-        return part<Widget>(QLatin1String(name));
-    }
     [[nodiscard]] QAbstractButton *button(const char *name) const
     {
-        return part<QAbstractButton>(QLatin1String(name) + QStringLiteral("Button"));
+        return part<QAbstractButton>(QByteArray(name) + "Button");
     }
 
     void watch(PluginBaseFormViewer *form)

@@ -2,20 +2,25 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/testclock.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QTest>
 #include <QTimer>
 
-/// Lets events happen until the condition holds, for half a minute at most, unless another limit is given.
+#include <algorithm>
+#include <functional>
+
+/// Lets events happen until the condition holds, for half a minute at most.
 template <typename Condition>
-void waitUntil(const Condition &condition, int limitMs = 30'000)
+void waitUntil(const Condition &condition)
 {
     // Some conditions are met without an event here: a thread ends, a descriptor is closed.
     constexpr int lookEveryMs = 5;
     QTimer tick;
     tick.start(lookEveryMs);
-    const QDeadlineTimer limit(limitMs);
+    const QDeadlineTimer limit(30'000);
     while (!condition() && !limit.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -28,3 +33,42 @@ void waitUntil(const Condition &condition, int limitMs = 30'000)
         waitUntil([&] { return (actual) == (expected); });                                                             \
         QCOMPARE(actual, expected);                                                                                    \
     } while (false)
+
+/// Lets timers fire that are due in this time, in order, without the time being spent.
+inline void letPass(int ms)
+{
+    constexpr int step = 100;
+    for (; ms > 0; ms -= step) {
+        TestClock::skip(std::min(ms, step));
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+/// Does one thing after another, each once its condition holds, while the code under test runs an event loop of its
+/// own. Each is done in an event pass of its own: where the code under test leaves its loop, the rest stays undone.
+class Meanwhile
+{
+public:
+    struct Step
+    {
+        std::function<bool()> when;
+        std::function<void()> then;
+    };
+
+    explicit Meanwhile(const QList<Step> &steps) : m_steps(steps)
+    {
+        constexpr int lookEveryMs = 5;
+        QObject::connect(&m_tick, &QTimer::timeout, &m_tick, [this] {
+            if (!m_steps.isEmpty() && m_steps.constFirst().when())
+                m_steps.takeFirst().then();
+        });
+        m_tick.start(lookEveryMs);
+    }
+
+    [[nodiscard]] bool isDone() const { return m_steps.isEmpty(); }
+
+private:
+    QTimer m_tick;
+    QList<Step> m_steps;
+};

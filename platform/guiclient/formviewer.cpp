@@ -4,6 +4,7 @@
 
 #include "core/sessionmanager.h"
 #include "guiclient/defaultmessageview.h"
+#include "guiclient/doubletapguard.h"
 #include "guiclient/guiclientlog.h"
 #include "guiclient/guistyle.h"
 #include "guiclient/parentcover.h"
@@ -17,7 +18,7 @@
 #include <algorithm>
 
 FormViewer::FormViewer(SessionManager *session, bool fullScreen, QWidget *parent)
-    : QWidget(parent), m_session(session), m_fullScreen(fullScreen)
+    : QWidget(parent), m_session(session), m_fullScreen(fullScreen), m_doubleTapGuard(new DoubleTapGuard(this))
 {
     hide();
     setAttribute(Qt::WA_StyledBackground);
@@ -126,6 +127,7 @@ void FormViewer::setCurrent(QWidget *view)
     if (isVisible()) {
         updateWaitingPage();
         takeFocus();
+        m_doubleTapGuard->arm();
     }
     if (name == m_currentName)
         return;

@@ -8,12 +8,14 @@
 #include <QVector>
 #include <QWidget>
 
+class DoubleTapGuard;
 class SessionManager;
 
 /// A stack of named views of which at most one is up; with none up it shows a quiet waiting page.
 ///
 /// With a parent it covers it, follows its size, and comes on top whenever it is shown: so a question is laid over a
-/// form. It starts hidden. Views that are not up get neither touch nor keys, nor does what the viewer covers get keys.
+/// form. It starts hidden. Views that are not up get neither touch nor keys, nor does what the viewer covers get keys;
+/// and the second half of a double tap does not reach the view that the first half has brought up.
 /// Any view may be deleted at any moment by anybody: the viewer then does without it.
 class FormViewer : public QWidget
 {
@@ -78,6 +80,7 @@ private:
 
     QPointer<SessionManager> m_session;
     bool m_fullScreen;
+    DoubleTapGuard *m_doubleTapGuard;
     QVector<View> m_views;
     QPointer<QWidget> m_current;
     QString m_currentName;

@@ -47,13 +47,16 @@ PayDetailView *PluginBaseFormViewer::details() const
 
 void PluginBaseFormViewer::showPayDetail()
 {
-    if (details() == nullptr) {
-        addView(new PayDetailView, QLatin1String(PAY_DETAIL_VIEW));
-        if (m_provider)
-            connect(m_provider, &Provider::parametersChanged, details(), [this] { updateDetails(); });
+    if (PayDetailView *view = details()) {
+        fill(*view);
+        showWidget(QLatin1String(PAY_DETAIL_VIEW));
+        return;
     }
-    updateDetails();
-    showWidget(QLatin1String(PAY_DETAIL_VIEW));
+    auto *view = new PayDetailView;
+    fill(*view);
+    if (m_provider)
+        connect(m_provider, &Provider::parametersChanged, view, [this] { updateDetails(); });
+    addView(view, QLatin1String(PAY_DETAIL_VIEW));
 }
 
 void PluginBaseFormViewer::hidePayDetail()
@@ -76,9 +79,12 @@ QString PluginBaseFormViewer::withCurrency(const QString &amount) const
 
 void PluginBaseFormViewer::updateDetails()
 {
-    PayDetailView *view = details();
-    if (view == nullptr)
-        return;
+    if (PayDetailView *view = details())
+        fill(*view);
+}
+
+void PluginBaseFormViewer::fill(PayDetailView &view) const
+{
     QString due;
     QList<ProviderParameter> others;
     const QList<ProviderParameter> parameters = m_provider ? m_provider->parameters() : QList<ProviderParameter>();
@@ -88,10 +94,10 @@ void PluginBaseFormViewer::updateDetails()
         else
             others.append(parameter);
     }
-    view->setSumDue(withCurrency(due));
-    view->setPaidIn(withCurrency(m_paidIn.toString()));
-    view->setParameters(others);
-    view->setPhone(m_info.phone);
+    view.setSumDue(withCurrency(due));
+    view.setPaidIn(withCurrency(m_paidIn.toString()));
+    view.setParameters(others);
+    view.setPhone(m_info.phone);
 }
 
 void PluginBaseFormViewer::receiveMessage(const QString &type, const QVariantMap &message)

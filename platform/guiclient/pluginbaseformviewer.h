@@ -73,6 +73,7 @@ Q_SIGNALS:
 private:
     [[nodiscard]] PayDetailView *details() const;
     void updateDetails();
+    void fill(PayDetailView &view) const;
     [[nodiscard]] QString withCurrency(const QString &amount) const;
 
     QPointer<Provider> m_provider;

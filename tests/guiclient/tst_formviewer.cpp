@@ -497,6 +497,30 @@ private Q_SLOTS:
         QCOMPARE(form->line->text(), QStringLiteral("b"));
     }
 
+    void doubleTap_secondHalf_doesNotReachTheNextView()
+    {
+        FormViewer viewer;
+        viewer.resize(800, 600);
+        auto *one = new Page;
+        auto *two = new Page;
+        viewer.addView(two, TWO);
+        viewer.addView(one, ONE);
+        viewer.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&viewer));
+        const QPoint place = middleOf(one->button);
+        QTest::mouseDClick(viewer.windowHandle(), Qt::LeftButton, {}, place);
+        QCOMPARE(one->clicks, 2);
+        connect(one->button, &QPushButton::clicked, &viewer, [&] { viewer.showWidget(TWO); });
+        QTest::mouseDClick(viewer.windowHandle(), Qt::LeftButton, {}, place);
+        QCOMPARE(one->clicks, 3);
+        QCOMPARE(viewer.currentView(), TWO);
+        QCOMPARE(two->clicks, 0);
+        touch(viewer, place);
+        QCOMPARE(two->clicks, 1);
+        QTest::mouseDClick(viewer.windowHandle(), Qt::LeftButton, {}, place);
+        QCOMPARE(two->clicks, 3);
+    }
+
     void touch_thatNoViewWants_doesNotReachTheParent()
     {
         class Window : public QWidget

@@ -1,0 +1,116 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "window/kioskwindow.h"
+
+#include "terminal.h"
+#include "window/brokenscreen.h"
+#include "window/headerbar.h"
+#include "window/idlescreen.h"
+#include "window/outcometext.h"
+#include "window/paymentscreen.h"
+#include "window/receiptscreen.h"
+#include "window/screens.h"
+#include "window/servicescreen.h"
+
+#include <QCloseEvent>
+#include <QVBoxLayout>
+
+namespace kiosk {
+KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
+    : QWidget(parent), m_terminal(terminal), m_screens(new Screens(terminal.info()))
+{
+    setWindowTitle(QStringLiteral("Оплата парковки"));
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_screens);
+
+    connectScreens();
+    connect(&m_terminal, &Terminal::screenChanged, this, &KioskWindow::showScreen);
+    connect(&m_terminal, &Terminal::purchaseChanged, this, &KioskWindow::showPayment);
+    connect(&m_terminal, &Terminal::committingChanged, this, &KioskWindow::showPayment);
+    connect(&m_terminal, &Terminal::settingsSaved, this,
+            [this] { m_screens->service().setStatus(QStringLiteral("Настройки сохранены.")); });
+    showScreen();
+    resize(1024, 768);
+}
+
+void KioskWindow::connectScreens()
+{
+    connect(&m_screens->header(), &HeaderBar::serviceWanted, &m_terminal, &Terminal::openService);
+    connect(&m_screens->idle(), &IdleScreen::startWanted, this, &KioskWindow::start);
+    connect(&m_screens->payment(), &PaymentScreen::cancelWanted, &m_terminal, &Terminal::cancel);
+    connect(&m_screens->payment(), &PaymentScreen::payWanted, &m_terminal, &Terminal::pay);
+    connect(&m_screens->receipt(), &ReceiptScreen::closeWanted, &m_terminal, &Terminal::closeReceipt);
+    connect(&m_screens->service(), &ServiceScreen::saveWanted, this, &KioskWindow::save);
+    connect(&m_screens->service(), &ServiceScreen::closeWanted, &m_terminal, &Terminal::closeService);
+}
+
+void KioskWindow::showScreen()
+{
+    const Terminal::Screen screen = m_terminal.screen();
+    m_screens->idle().setNotice({});
+    m_screens->receipt().stop();
+    if (screen != Terminal::Screen::Service)
+        m_screens->service().leave();
+    showPayment();
+    switch (screen) {
+    case Terminal::Screen::Idle:
+        m_screens->showScreen(m_screens->idle());
+        break;
+    case Terminal::Screen::Form:
+    case Terminal::Screen::Details:
+        m_screens->showScreen(m_screens->payment());
+        break;
+    case Terminal::Screen::Receipt:
+        m_screens->receipt().setReceipt(m_terminal.receipt(), m_terminal.currency());
+        m_screens->showScreen(m_screens->receipt());
+        break;
+    case Terminal::Screen::Service:
+        m_screens->service().open(m_terminal.settingsPage(), m_terminal.pluginIdentity(), m_terminal.entries(),
+                                  m_terminal.currency());
+        m_screens->showScreen(m_screens->service());
+        break;
+    case Terminal::Screen::Broken:
+        m_screens->broken().setFailure(m_terminal.brokenReason(), m_terminal.pluginIdentity(), m_terminal.info());
+        m_screens->showScreen(m_screens->broken());
+        break;
+    }
+}
+
+void KioskWindow::showPayment()
+{
+    PaymentScreen::State state;
+    state.hasDetails = m_terminal.screen() == Terminal::Screen::Details;
+    state.isCommitting = m_terminal.isCommitting();
+    state.canPay = m_terminal.canPay();
+    state.canCancel = m_terminal.canCancel();
+    state.acceptsCash = m_terminal.acceptsCash();
+    state.purchase = m_terminal.purchase();
+    state.currency = m_terminal.currency();
+    m_screens->payment().setForm(m_terminal.formWidget());
+    m_screens->payment().setState(state);
+}
+
+void KioskWindow::start()
+{
+    // The reason is for the log; what the customer needs is what to do now.
+    if (m_terminal.start().isEmpty() || m_terminal.screen() != Terminal::Screen::Idle)
+        return;
+    m_screens->idle().setNotice(QStringLiteral("Сейчас оплатить не получается. Попробуйте ещё раз или ") +
+                                OutcomeText::call(m_terminal.info().phone));
+}
+
+void KioskWindow::save()
+{
+    const QString reason = m_terminal.saveService();
+    if (!reason.isEmpty())
+        m_screens->service().setStatus(QStringLiteral("Не сохранено: ") + reason);
+}
+
+void KioskWindow::closeEvent(QCloseEvent *event)
+{
+    // What was paid in is committed first; the program ends when the terminal says so.
+    event->ignore();
+    m_terminal.quit();
+}
+} // namespace kiosk

@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "window/paymentscreen.h"
+
+#include "window/amounttext.h"
+#include "window/moneyline.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QHBoxLayout>
+
+#include <algorithm>
+
+namespace kiosk {
+namespace {
+QString hintText(const PaymentScreen::State &state)
+{
+    if (state.isCommitting)
+        return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
+    if (state.hasDetails && state.purchase.change() > FixNumber())
+        return QStringLiteral("Терминал сдачу не выдаёт: её вернут по номеру платежа.");
+    if (state.hasDetails && state.purchase.hasCash())
+        return QStringLiteral("Деньги внесены: отменить платёж уже нельзя.");
+    return {};
+}
+
+/// Whether the view that is up has buttons of its own that end it: a second one below would be one too many.
+bool hasWayOut(const QWidget *form)
+{
+    const auto buttons = form != nullptr ? form->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
+    return std::any_of(buttons.begin(), buttons.end(), [](const QAbstractButton *button) {
+        const QStringList names = {QStringLiteral("okButton"), QStringLiteral("cancelButton"),
+                                   QStringLiteral("noButton")};
+        return button->isVisible() && names.contains(button->objectName());
+    });
+}
+
+QString payText(const PaymentScreen::State &state)
+{
+    // What the button does with part of the sum must be plain before it is touched.
+    if (state.purchase.hasCash() && state.purchase.remainder() > FixNumber())
+        return QStringLiteral("Оплатить ") + amountText(state.purchase.cash(), state.currency);
+    return QStringLiteral("Оплатить");
+}
+} // namespace
+
+PaymentScreen::PaymentScreen(QWidget *parent)
+    : QWidget(parent), m_formPlace(new QVBoxLayout), m_money(new MoneyLine), m_bar(new QFrame),
+      m_hint(Parts::label({}, "hint")),
+      m_cancel(Parts::button(QStringLiteral("Отменить платёж"), "cancelButton", "secondary")),
+      m_pay(Parts::button({}, "payButton", "primary"))
+{
+    connect(m_cancel, &QPushButton::clicked, this, &PaymentScreen::cancelWanted);
+    connect(m_pay, &QPushButton::clicked, this, &PaymentScreen::payWanted);
+
+    m_bar->setObjectName(QStringLiteral("bottomBar"));
+    auto *buttons = new QHBoxLayout(m_bar);
+    buttons->setContentsMargins(32, 16, 32, 16);
+    buttons->setSpacing(24);
+    buttons->addWidget(m_cancel);
+    buttons->addWidget(m_hint, 1);
+    buttons->addWidget(m_pay);
+
+    // Forms cover all of what they are in.
+    auto *form = new QWidget;
+    form->setLayout(m_formPlace);
+    m_formPlace->setContentsMargins(0, 0, 0, 0);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(form, 1);
+    layout->addWidget(m_money);
+    layout->addWidget(m_bar);
+    setState(State());
+    // Messages come and go in the form without a word to who holds it.
+    qApp->installEventFilter(this);
+}
+
+PaymentScreen::~PaymentScreen()
+{
+    releaseForm();
+}
+
+void PaymentScreen::setForm(QWidget *form)
+{
+    if (form == m_form)
+        return;
+    releaseForm();
+    m_form = form;
+    if (form == nullptr)
+        return;
+    m_formPlace->addWidget(form);
+    form->show();
+}
+
+void PaymentScreen::setState(const State &state)
+{
+    m_state = state;
+    m_money->setPurchase(state.purchase, state.currency, state.acceptsCash);
+    m_hint->setText(hintText(state));
+    m_hint->setAlignment(state.isCommitting ? Qt::AlignCenter : Qt::AlignLeft | Qt::AlignVCenter);
+    m_pay->setEnabled(state.canPay);
+    m_pay->setText(payText(state));
+    showBar();
+}
+
+void PaymentScreen::showBar()
+{
+    const bool isAsked = hasWayOut(m_form);
+    const bool hasMoney = m_state.hasDetails && !m_state.isCommitting && !isAsked;
+    m_money->setVisible(hasMoney);
+    m_pay->setVisible(hasMoney);
+    m_cancel->setVisible(m_state.canCancel && !m_state.isCommitting && !isAsked);
+    m_bar->setVisible(m_state.isCommitting || hasMoney || !m_cancel->isHidden());
+}
+
+bool PaymentScreen::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isTold = event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent;
+    if (isTold && watched->isWidgetType() && m_form && m_form->isAncestorOf(static_cast<QWidget *>(watched)))
+        QMetaObject::invokeMethod(this, &PaymentScreen::showBar, Qt::QueuedConnection);
+    return false;
+}
+
+void PaymentScreen::releaseForm()
+{
+    // Without a parent it is hidden; the plugin deletes it.
+    if (m_form)
+        m_form->setParent(nullptr);
+    m_form = nullptr;
+}
+} // namespace kiosk

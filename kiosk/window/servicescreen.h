@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "extension/currency.h"
+#include "ledger/ledgerentry.h"
+#include "plugin/pluginidentity.h"
+#include "window/parts.h"
+
+#include <QPointer>
+#include <QScrollArea>
+#include <QVector>
+#include <QWidget>
+
+class QButtonGroup;
+class QHBoxLayout;
+class QStackedWidget;
+
+namespace kiosk {
+class Facts;
+class LedgerList;
+
+/// The service engineer's menu: the plugin's settings page with Save, the latest payments, the plugin's identity.
+class ServiceScreen : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum class Section
+    {
+        Settings,
+        Payments,
+        Plugin
+    };
+
+    explicit ServiceScreen(QWidget *parent = nullptr);
+    /// Lets go of the settings page, which is the plugin's.
+    ~ServiceScreen() override;
+
+    /// Opens the menu at the settings. @param page the plugin's page, which stays the plugin's; null: it has none.
+    void open(QWidget *page, const PluginIdentity &plugin, const QVector<LedgerEntry> &entries,
+              const Currency &currency);
+    /// Lets go of the page.
+    void leave();
+    void showSection(Section section);
+    /// Says that the settings are stored, or why not.
+    void setStatus(const QString &text);
+
+Q_SIGNALS:
+    void saveWanted();
+    void closeWanted();
+
+private:
+    void addSection(const QString &caption, const char *name, QWidget *page);
+    void setIdentity(const PluginIdentity &plugin);
+
+    QButtonGroup *m_tabs;
+    QHBoxLayout *m_tabLayout;
+    QStackedWidget *m_sections;
+    QScrollArea *m_settings;
+    LedgerList *m_payments;
+    Facts *m_plugin;
+    QLabel *m_status;
+    QPushButton *m_save;
+    QPointer<QWidget> m_page;
+};
+} // namespace kiosk

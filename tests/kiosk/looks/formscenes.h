@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+/// The screens of a payment, with the texts and the parameters of the parking plugin.
+namespace FormScenes {
+[[nodiscard]] std::unique_ptr<QWidget> waiting();
+[[nodiscard]] std::unique_ptr<QWidget> waitCard();
+[[nodiscard]] std::unique_ptr<QWidget> checking();
+[[nodiscard]] std::unique_ptr<QWidget> error();
+[[nodiscard]] std::unique_ptr<QWidget> cancelQuestion();
+[[nodiscard]] std::unique_ptr<QWidget> cardNumber();
+[[nodiscard]] std::unique_ptr<QWidget> cardUid();
+[[nodiscard]] std::unique_ptr<QWidget> details();
+[[nodiscard]] std::unique_ptr<QWidget> detailsPart();
+[[nodiscard]] std::unique_ptr<QWidget> detailsChange();
+[[nodiscard]] std::unique_ptr<QWidget> detailsNothingDue();
+[[nodiscard]] std::unique_ptr<QWidget> committing();
+} // namespace FormScenes

@@ -1,0 +1,219 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "kiosk/looks/lookchecks.h"
+
+#include "guiclient/formviewer.h"
+#include "guiclient/messagetext.h"
+#include "kiosk/looks/contrast.h"
+#include "kiosk/looks/rendering.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QAccessible>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QStyleOptionButton>
+
+#include <cmath>
+
+namespace LookChecks {
+namespace {
+QString named(const QWidget &widget)
+{
+    QString text;
+    if (const auto *label = qobject_cast<const QLabel *>(&widget))
+        text = label->text();
+    else if (const auto *button = qobject_cast<const QAbstractButton *>(&widget))
+        text = button->text();
+    return QStringLiteral("%1 \"%2\" '%3'")
+        .arg(QLatin1String(widget.metaObject()->className()), widget.objectName(), text);
+}
+
+/// The part of it that is in sight: scroll areas hide some.
+QRect place(const QWidget &widget, const QWidget &window)
+{
+    QRect area = widget.rect();
+    for (const QWidget *part = &widget; part != &window; part = part->parentWidget())
+        area = area.translated(part->pos()).intersected(part->parentWidget()->rect());
+    return area;
+}
+
+/// A viewer that is laid over a form hides all of the form.
+bool isCovered(const QWidget &widget)
+{
+    for (const QWidget *part = &widget; part->parentWidget() != nullptr; part = part->parentWidget()) {
+        const auto covers = part->parentWidget()->findChildren<FormViewer *>(QString(), Qt::FindDirectChildrenOnly);
+        for (const FormViewer *cover : covers) {
+            if (cover != part && cover->isVisible())
+                return true;
+        }
+    }
+    return false;
+}
+
+bool isControl(const QWidget &widget)
+{
+    // A spin box's line is part of the spin box.
+    if (qobject_cast<const QAbstractSpinBox *>(widget.parentWidget()) != nullptr)
+        return false;
+    return qobject_cast<const QAbstractButton *>(&widget) != nullptr ||
+           qobject_cast<const QLineEdit *>(&widget) != nullptr ||
+           qobject_cast<const QAbstractSpinBox *>(&widget) != nullptr ||
+           qobject_cast<const QComboBox *>(&widget) != nullptr;
+}
+
+bool isText(const QWidget &widget)
+{
+    const auto *label = qobject_cast<const QLabel *>(&widget);
+    return label != nullptr && !label->text().isEmpty();
+}
+
+/// Every control and text that somebody sees, or would see after scrolling.
+template <typename Predicate>
+QList<QWidget *> seen(const QWidget &window, const Predicate &isWanted)
+{
+    QList<QWidget *> result;
+    const auto widgets = window.findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        if (widget->isVisible() && isWanted(*widget) && !isCovered(*widget))
+            result.append(widget);
+    }
+    return result;
+}
+
+bool isPart(const QWidget &widget)
+{
+    return isControl(widget) || isText(widget);
+}
+
+QString labelFault(QLabel &label)
+{
+    if (auto *message = qobject_cast<MessageText *>(&label))
+        return message->scrollRange() == 0 ? QString() : QStringLiteral("has to be scrolled");
+    const int width = label.width();
+    if (!label.wordWrap()) {
+        const QSize needed = label.sizeHint();
+        return needed.width() <= width && needed.height() <= label.height() ? QString() : QStringLiteral("is cut off");
+    }
+    const int least = label.minimumSizeHint().width();
+    if (least > width)
+        return QStringLiteral("has a word that is cut off");
+    return label.heightForWidth(width) <= label.height() ? QString() : QStringLiteral("has lines that are cut off");
+}
+
+QString buttonFault(const QAbstractButton &button)
+{
+    QStyleOptionButton option;
+    option.initFrom(&button);
+    option.text = button.text();
+    const QRect room = button.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &button);
+    const QSize needed = button.fontMetrics().size(Qt::TextShowMnemonic, button.text());
+    return needed.width() <= room.width() && needed.height() <= room.height() ? QString()
+                                                                              : QStringLiteral("is cut off");
+}
+
+QString textFault(QWidget &widget)
+{
+    if (auto *label = qobject_cast<QLabel *>(&widget))
+        return labelFault(*label);
+    if (const auto *button = qobject_cast<QAbstractButton *>(&widget))
+        return buttonFault(*button);
+    if (const auto *line = qobject_cast<QLineEdit *>(&widget))
+        return line->minimumSizeHint().height() <= line->height() ? QString() : QStringLiteral("is too low");
+    return {};
+}
+
+/// What is in a scroll area may stick out of it.
+bool isScrolled(const QWidget &widget)
+{
+    const QWidget *viewport = widget.parentWidget();
+    return viewport != nullptr && qobject_cast<const QAbstractScrollArea *>(viewport->parentWidget()) != nullptr;
+}
+
+bool sticksOut(const QWidget &widget)
+{
+    const QRect room = widget.parentWidget()->rect();
+    if (!isScrolled(widget))
+        return !room.contains(widget.geometry());
+    return widget.x() < 0 || widget.x() + widget.width() > room.width();
+}
+} // namespace
+
+QStringList clipped(QWidget &window)
+{
+    QStringList faults;
+    const QSize needed = window.minimumSizeHint();
+    if (needed.width() > window.width() || needed.height() > window.height())
+        faults.append(QStringLiteral("it needs %1 x %2").arg(needed.width()).arg(needed.height()));
+    const auto parts = seen(window, isPart);
+    for (QWidget *part : parts) {
+        const QString fault = textFault(*part);
+        if (!fault.isEmpty())
+            faults.append(named(*part) + QLatin1Char(' ') + fault);
+    }
+    const auto all = seen(window, [](const QWidget &) { return true; });
+    for (QWidget *widget : all) {
+        if (sticksOut(*widget))
+            faults.append(named(*widget) + QStringLiteral(" sticks out of what it is in"));
+    }
+    return faults;
+}
+
+QStringList overlapping(QWidget &window)
+{
+    QStringList faults;
+    const auto parts = seen(window, isPart);
+    for (int i = 0; i < parts.size(); ++i) {
+        for (int j = i + 1; j < parts.size(); ++j) {
+            if (place(*parts[i], window).intersects(place(*parts[j], window)))
+                faults.append(named(*parts[i]) + QStringLiteral(" and ") + named(*parts[j]));
+        }
+    }
+    return faults;
+}
+
+QStringList nameless(QWidget &window)
+{
+    QStringList faults;
+    const auto controls = seen(window, isControl);
+    for (QWidget *control : controls) {
+        const QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(control);
+        if (accessible == nullptr || accessible->text(QAccessible::Name).trimmed().isEmpty())
+            faults.append(named(*control));
+    }
+    return faults;
+}
+
+QStringList smallTargets(QWidget &window, int side)
+{
+    QStringList faults;
+    const auto controls = seen(window, isControl);
+    for (const QWidget *control : controls) {
+        if (control->width() < side || control->height() < side)
+            faults.append(
+                QStringLiteral("%1 is %2 x %3").arg(named(*control)).arg(control->width()).arg(control->height()));
+    }
+    return faults;
+}
+
+QStringList paleTexts(QWidget &window, double ratio)
+{
+    QStringList faults;
+    const QImage picture = Rendering::picture(window);
+    const auto parts = seen(window, isPart);
+    for (const QWidget *part : parts) {
+        const QRect inSight = place(*part, window);
+        // What is scrolled half away is looked at when it is in sight.
+        if (inSight.size() != part->size())
+            continue;
+        // Frames are no text.
+        constexpr int frame = 4;
+        const double found = Contrast::ofText(picture.copy(inSight.adjusted(frame, frame, -frame, -frame)));
+        if (found < ratio)
+            faults.append(QStringLiteral("%1 has a contrast of %2").arg(named(*part)).arg(found, 0, 'f', 2));
+    }
+    return faults;
+}
+} // namespace LookChecks

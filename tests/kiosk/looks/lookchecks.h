@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStringList>
+
+class QWidget;
+
+/// What must hold of every screen, whatever is on it. Each check returns what is wrong, one line for each control; the
+/// widget has been laid out by Rendering. What another form viewer covers is not looked at: nobody sees it.
+namespace LookChecks {
+/// Texts that are cut off, parts that stick out of what they are in, a window that needs more than it has.
+[[nodiscard]] QStringList clipped(QWidget &window);
+/// Controls and texts that lie on each other.
+[[nodiscard]] QStringList overlapping(QWidget &window);
+/// Controls that a screen reader has no name for.
+[[nodiscard]] QStringList nameless(QWidget &window);
+/// Controls that are lower or narrower than @a side pixels.
+[[nodiscard]] QStringList smallTargets(QWidget &window, int side);
+/// Texts whose colour and ground, as they are drawn, have less contrast than @a ratio, as WCAG counts it.
+[[nodiscard]] QStringList paleTexts(QWidget &window, double ratio);
+} // namespace LookChecks

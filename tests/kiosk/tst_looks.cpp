@@ -1,0 +1,128 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "kiosk/looks/goldenimage.h"
+#include "kiosk/looks/lookchecks.h"
+#include "kiosk/looks/rendering.h"
+#include "kiosk/looks/samples.h"
+#include "kiosk/looks/scene.h"
+#include "support/testcase.h"
+#include "support/testclock.h"
+#include "window/look.h"
+
+#include <QApplication>
+#include <QFontInfo>
+
+/// Every screen on the three sizes of screen that there are, as it is and with texts 40 % longer: nothing is cut off,
+/// lies on something else, is too pale or too small, and it looks as it did when it was found good.
+class LooksTest : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void font_ofTheScreens_isTheNamedOne();
+    void screen_onEachSize_canBeUsed_data();
+    void screen_onEachSize_canBeUsed();
+    void screen_onEachSize_looksAsItDid_data();
+    void screen_onEachSize_looksAsItDid();
+};
+
+namespace {
+constexpr int LEAST_TARGET = 64;
+constexpr double LEAST_CONTRAST = 4.5;
+
+QVector<QSize> sizes()
+{
+    return {{1024, 768}, {1280, 1024}, {1080, 1920}};
+}
+
+QString sizeText(const QSize &size)
+{
+    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+}
+
+void addScenes()
+{
+    QTest::addColumn<Scene::Row>("scene");
+    QTest::addColumn<QSize>("size");
+    for (const Scene::Row &row : Scene::all()) {
+        const auto all = sizes();
+        for (const QSize &size : all)
+            QTest::addRow("%s-%s", qPrintable(row.name), qPrintable(sizeText(size))) << row << size;
+    }
+}
+
+QString together(const char *what, const QStringList &faults)
+{
+    return faults.isEmpty() ? QString()
+                            : QLatin1String(what) + QStringLiteral(":\n  ") + faults.join(QLatin1String("\n  "));
+}
+
+/// What is wrong, in lines; empty if nothing is.
+QString faultsOf(QWidget &window)
+{
+    QStringList faults = {together("cut off", LookChecks::clipped(window)),
+                          together("overlapping", LookChecks::overlapping(window)),
+                          together("without a name", LookChecks::nameless(window)),
+                          together("too small to touch", LookChecks::smallTargets(window, LEAST_TARGET)),
+                          together("too pale", LookChecks::paleTexts(window, LEAST_CONTRAST))};
+    faults.removeAll(QString());
+    return faults.join(QLatin1Char('\n'));
+}
+} // namespace
+
+Q_DECLARE_METATYPE(Scene::Row)
+
+void LooksTest::font_ofTheScreens_isTheNamedOne()
+{
+    QFont font(QStringLiteral("Open Sans"));
+    QVERIFY(QFontInfo(font).exactMatch());
+}
+
+void LooksTest::screen_onEachSize_canBeUsed_data()
+{
+    addScenes();
+}
+
+void LooksTest::screen_onEachSize_canBeUsed()
+{
+    QFETCH(const Scene::Row, scene);
+    QFETCH(const QSize, size);
+    TestClock::freeze(Samples::now());
+
+    Rendering::Stage stage(scene.make(), size);
+    const QString faults = faultsOf(stage.widget());
+    QVERIFY2(faults.isEmpty(), qPrintable(faults));
+
+    Rendering::lengthenTexts(stage.widget());
+    const QString longFaults = faultsOf(stage.widget());
+    QVERIFY2(longFaults.isEmpty(), qPrintable(QStringLiteral("with longer texts, ") + longFaults));
+}
+
+void LooksTest::screen_onEachSize_looksAsItDid_data()
+{
+    addScenes();
+}
+
+void LooksTest::screen_onEachSize_looksAsItDid()
+{
+    QFETCH(const Scene::Row, scene);
+    QFETCH(const QSize, size);
+    TestClock::freeze(Samples::now());
+
+    Rendering::Stage stage(scene.make(), size);
+    const QString name = scene.name + QLatin1Char('-') + sizeText(size) + QStringLiteral(".png");
+    const QString difference =
+        GoldenImage::differenceFromFile(QStringLiteral(KIOSK_GOLDEN "/") + name, Rendering::picture(stage.widget()));
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+int main(int argc, char **argv)
+{
+    Rendering::prepareFonts();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    kiosk::Look::apply(application);
+    TEST_RUN(LooksTest)
+}
+
+#include "tst_looks.moc"

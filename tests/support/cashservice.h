@@ -33,14 +33,11 @@ public:
     [[nodiscard]] QJsonArray payments() const { return admin("payments").value(QStringLiteral("payments")).toArray(); }
 
     /// What a card still owes, in hundredths. @param uid hexadecimal, as a person reads it: "12345678".
-    [[nodiscard]] int owed(const QString &uid) const
+    [[nodiscard]] int owed(const QString &uid) const { return session(uid).value(QStringLiteral("owed")).toInt(-1); }
+    /// When it came, in local time.
+    [[nodiscard]] QString entered(const QString &uid) const
     {
-        const QJsonArray sessions = admin("sessions").value(QStringLiteral("sessions")).toArray();
-        for (const QJsonValue &session : sessions) {
-            if (session[QStringLiteral("uid")].toString() == uid)
-                return session[QStringLiteral("owed")].toInt();
-        }
-        return -1;
+        return session(uid).value(QStringLiteral("entered")).toString();
     }
 
     /// Sets one more fault. @return whether the service took the rule.
@@ -51,6 +48,16 @@ public:
     }
 
 private:
+    [[nodiscard]] QJsonObject session(const QString &uid) const
+    {
+        const QJsonArray sessions = admin("sessions").value(QStringLiteral("sessions")).toArray();
+        for (const QJsonValue &each : sessions) {
+            if (each[QStringLiteral("uid")].toString() == uid)
+                return each.toObject();
+        }
+        return QJsonObject();
+    }
+
     [[nodiscard]] QJsonObject admin(const char *what) const
     {
         return adminJson(m_process.port(), QByteArray("/admin/") + what);

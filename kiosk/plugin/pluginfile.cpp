@@ -36,6 +36,8 @@ PluginIdentity PluginFile::describe(const QString &path)
 
 QString PluginFile::mistake(const QString &path)
 {
+    if (QFileInfo(path).isDir())
+        return QStringLiteral("В этой папке нет плагина с интерфейсом ") + QLatin1String(PAY_BY_PROVIDER_IID);
     if (!QFileInfo(path).isFile())
         return QStringLiteral("Нет такого файла плагина");
     const QString interfaceId = describe(path).interfaceId;
@@ -54,6 +56,6 @@ QString PluginFile::find(const QString &folder)
         if (QLibrary::isLibrary(path) && mistake(path).isEmpty())
             return path;
     }
-    return {};
+    return QDir(folder).absolutePath();
 }
 } // namespace kiosk

@@ -11,7 +11,8 @@ namespace PluginFile {
 [[nodiscard]] PluginIdentity describe(const QString &path);
 /// Why the file cannot be a payment plugin, for people; empty where it can.
 [[nodiscard]] QString mistake(const QString &path);
-/// The first file of the folder, by name, that says it has the payment plugins' interface; empty: none.
+/// The first file of the folder, by name, that says it has the payment plugins' interface. Where there is none it is
+/// the folder itself, whose mistake() says so.
 [[nodiscard]] QString find(const QString &folder);
 } // namespace PluginFile
 } // namespace kiosk

@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "arguments.h"
+#include "control/controlserver.h"
+#include "control/socketname.h"
+#include "core/terminalappsettings.h"
+#include "extension/dircreator.h"
+#include "guiclient/formproject.h"
+#include "kiosklog.h"
+#include "ledger/ledger.h"
+#include "plugin/pluginfile.h"
+#include "plugin/pluginhost.h"
+#include "plugin/pluginprobe.h"
+#include "pluginsettings.h"
+#include "scenario/player.h"
+#include "scenario/servicefaults.h"
+#include "signalwatch.h"
+#include "terminal.h"
+#include "window/kioskwindow.h"
+#include "workdirlock.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <optional>
+
+namespace {
+using namespace kiosk;
+
+enum Status
+{
+    Held = 0,
+    Failed = 1,
+    Unusable = 2
+};
+
+int fail(Status status, const QStringList &texts)
+{
+    QTextStream err(stderr);
+    for (const QString &text : texts)
+        err << "kiosk: " << text << '\n';
+    return status;
+}
+
+/// Where there is no screen, everything is drawn into memory.
+void chooseScreen()
+{
+    const bool hasScreen = qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (!hasScreen && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+void applySettings(const Arguments &arguments, const std::optional<Scenario> &scenario)
+{
+    TerminalAppSettings settings;
+    if (scenario) {
+        PluginSettings::write(scenario->settings);
+        if (scenario->host.onlineCheckTimeout)
+            settings.setOnlineCheckTimeout(*scenario->host.onlineCheckTimeout);
+        if (scenario->host.autoCloseMessagesAfter)
+            settings.setAutoCloseMessagesAfter(*scenario->host.autoCloseMessagesAfter);
+    }
+    PluginSettings::write(arguments.settings);
+}
+
+QString pluginPath(const Arguments &arguments)
+{
+    return arguments.pluginFile.isEmpty()
+               ? PluginFile::find(QCoreApplication::applicationDirPath() + QStringLiteral("/../plugins"))
+               : arguments.pluginFile;
+}
+
+/// Ends the program when the terminal is ready for it and the scenario, if there is one, is through.
+int runUntilQuit(Terminal &terminal, Player *player)
+{
+    int status = Held;
+    bool mayEnd = player == nullptr;
+    QObject::connect(&terminal, &Terminal::quitReady, &terminal, [&] {
+        if (mayEnd)
+            QCoreApplication::exit(status);
+    });
+    const SignalWatch signalWatch;
+    QObject::connect(&signalWatch, &SignalWatch::endWanted, &terminal, [&] {
+        if (!mayEnd)
+            status = fail(Failed, {QStringLiteral("the scenario was ended by a signal")});
+        mayEnd = true;
+        terminal.quit();
+    });
+    if (player != nullptr) {
+        QObject::connect(player, &Player::finished, &terminal, [&](const QString &failure) {
+            mayEnd = true;
+            status = failure.isEmpty() ? Held : fail(Failed, {failure});
+            terminal.quit();
+        });
+        player->start();
+    }
+    return QCoreApplication::exec();
+}
+
+int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scenario)
+{
+    Ledger ledger(InitConfig::workDir() + QStringLiteral("/kiosk.db"));
+    applySettings(arguments, scenario);
+    PluginHost host(pluginPath(arguments));
+    host.load(
+        PluginProbe{QCoreApplication::applicationFilePath(), {QStringLiteral("--") + QLatin1String(PROBE_OPTION)}});
+
+    FormProject project(QStringLiteral(":/kiosk/project"));
+    TerminalOptions options;
+    options.project = &project;
+    if (scenario) {
+        options.keepPlugin = scenario->host.keepPlugin;
+        options.comission = scenario->host.comission;
+    }
+    Terminal terminal(host, ledger, options);
+    KioskWindow window(terminal);
+    arguments.isFullScreen ? window.showFullScreen() : window.show();
+
+    std::optional<ServiceFaults> faults;
+    if (!arguments.bench.isEmpty())
+        faults.emplace(arguments.bench);
+    const Stage stage = {terminal, window, faults ? &*faults : nullptr, arguments.shotsDir};
+    ControlServer control(stage);
+    const QString reason = control.listen(controlSocket(InitConfig::workDir()));
+    if (!reason.isEmpty())
+        qCWarning(KIOSK_LOG).noquote() << "kioskctl cannot reach this terminal:" << reason;
+    std::optional<Player> player;
+    if (scenario)
+        player.emplace(*scenario, stage);
+    return runUntilQuit(terminal, player ? &*player : nullptr);
+}
+
+int run(const Arguments &arguments)
+{
+    std::optional<Scenario> scenario;
+    if (!arguments.scenario.isEmpty())
+        scenario = readScenario(arguments.scenario);
+    std::optional<QTemporaryDir> temporary;
+    QString workDir = arguments.workDir;
+    if (workDir.isEmpty() && scenario)
+        workDir = temporary.emplace().path();
+    if (!workDir.isEmpty())
+        qputenv("TERMINAL_WORK_DIR", QFile::encodeName(workDir));
+    if (!DirCreator::checkAndCreate(InitConfig::workDir(), DirCreator::OWNER_ONLY))
+        return fail(Unusable, {QStringLiteral("%1 cannot be used").arg(InitConfig::workDir())});
+    const WorkDirLock lock(InitConfig::workDir());
+    if (!lock.isTaken())
+        return fail(Unusable, {QStringLiteral("another terminal uses %1").arg(InitConfig::workDir())});
+    return runTerminal(arguments, scenario);
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    chooseScreen();
+    const QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("kiosk"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    const Arguments arguments = Arguments::parse(QCoreApplication::arguments());
+    if (!arguments.probedPlugin.isEmpty())
+        return PluginProbe::runInChild(arguments.probedPlugin);
+    if (arguments.wantsHelp) {
+        QTextStream(stdout) << arguments.help;
+        return Held;
+    }
+    if (!arguments.mistakes.isEmpty())
+        return fail(Unusable, arguments.mistakes);
+    try {
+        const int status = run(arguments);
+        // What the plugin has let go of goes while its library is there.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return status;
+    } catch (const ScenarioError &error) {
+        // Plain: "FILE:LINE:COLUMN: …" is what editors find their way by.
+        QTextStream(stderr) << error.mistakes().join(QLatin1Char('\n')) << '\n';
+        return Unusable;
+    } catch (const LedgerError &error) {
+        return fail(Unusable, {error.text()});
+    }
+}

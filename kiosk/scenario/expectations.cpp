@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "scenario/expectations.h"
+
+#include "payee.h"
+#include "terminal.h"
+#include "view/view.h"
+
+namespace kiosk {
+namespace {
+QString mismatch(const QString &what, const QString &expected, const QString &found)
+{
+    return QStringLiteral("expected %1 \"%2\"; there was \"%3\"").arg(what, expected, found);
+}
+
+QString paymentField(const LedgerEntry &payment, const QString &name)
+{
+    if (name == QLatin1String("uid"))
+        return QString::number(payment.uid);
+    if (name == QLatin1String("summ"))
+        return payment.summ.toString();
+    if (name == QLatin1String("total"))
+        return payment.total.toString();
+    if (name == QLatin1String("change"))
+        return payment.change.toString();
+    return toText(payment.outcome);
+}
+
+/// "150" is "150.00".
+bool isSameField(const QString &name, const QString &expected, const QString &found)
+{
+    if (name == QLatin1String("outcome"))
+        return expected == found;
+    return FixNumber(100, expected) == FixNumber(100, found);
+}
+
+QStringList paymentMismatches(const QMap<QString, QString> &expected, const LedgerEntry &payment)
+{
+    QStringList mismatches;
+    if (!expected.isEmpty() && payment.uid == 0)
+        return {QStringLiteral("expected a payment; there was none")};
+    for (auto field = expected.cbegin(); field != expected.cend(); ++field) {
+        const QString found = paymentField(payment, field.key());
+        if (!isSameField(field.key(), field.value(), found))
+            mismatches.append(mismatch(QStringLiteral("payment ") + field.key(), field.value(), found));
+    }
+    return mismatches;
+}
+
+QStringList parameterMismatches(const QMap<QString, QString> &expected, const QList<ProviderParameter> &parameters)
+{
+    QStringList mismatches;
+    for (auto parameter = expected.cbegin(); parameter != expected.cend(); ++parameter) {
+        const QString found = Payee::valueOf(parameters, parameter.key().toUtf8().constData());
+        if (found != parameter.value())
+            mismatches.append(mismatch(QStringLiteral("parameter ") + parameter.key(), parameter.value(), found));
+    }
+    return mismatches;
+}
+} // namespace
+
+QString difference(const Expectation &expected, const Terminal &terminal, QWidget &window)
+{
+    const View view(terminal, window);
+    QStringList mismatches;
+    if (!expected.screen.isEmpty() && view.screen() != expected.screen)
+        mismatches.append(mismatch(QStringLiteral("screen"), expected.screen, view.screen()));
+    const QString text = view.text();
+    if (!text.contains(expected.text))
+        mismatches.append(mismatch(QStringLiteral("text"), expected.text, text));
+    mismatches += parameterMismatches(expected.parameters, terminal.parameters());
+    mismatches += paymentMismatches(expected.payment, terminal.receipt().payment);
+    if (!mismatches.isEmpty() && text.contains(expected.text))
+        mismatches.append(QStringLiteral("the screen reads \"%1\"").arg(text));
+    return mismatches.join(QStringLiteral("; ")).replace(QLatin1Char('\n'), QStringLiteral(" | "));
+}
+} // namespace kiosk

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "scenario/scenario.h"
+
+#include "scenario/stepreader.h"
+
+#include <QFile>
+
+namespace kiosk {
+namespace {
+YamlReader::ReadNode seconds(YamlReader &reader, std::optional<int> &target)
+{
+    return [&reader, &target](const YAML::Node &node) {
+        int value = 0;
+        reader.number(value)(node);
+        target = value;
+    };
+}
+
+void readHost(const YAML::Node &node, YamlReader &reader, HostSettings &host)
+{
+    QString plugin;
+    reader.readMap(node, QStringLiteral("host"),
+                   {{QStringLiteral("onlineCheckTimeout"), seconds(reader, host.onlineCheckTimeout)},
+                    {QStringLiteral("autoCloseMessagesAfter"), seconds(reader, host.autoCloseMessagesAfter)},
+                    {QStringLiteral("plugin"), reader.word("fresh|kept", plugin)},
+                    {QStringLiteral("comission"), reader.amount(host.comission)}});
+    host.keepPlugin = plugin == QLatin1String("kept");
+}
+
+void readFile(const YAML::Node &node, YamlReader &reader, Scenario &scenario)
+{
+    const auto addStep = [&](const YAML::Node &item) { scenario.steps.append(readStep(item, reader)); };
+    reader.readMap(node, QStringLiteral("the scenario"),
+                   {{QStringLiteral("settings"), pluginSettings(reader, scenario.settings)},
+                    {QStringLiteral("host"), [&](const YAML::Node &value) { readHost(value, reader, scenario.host); }},
+                    {QStringLiteral("steps"),
+                     [&](const YAML::Node &value) { reader.readList(value, QStringLiteral("steps"), addStep); }}});
+    if (scenario.steps.isEmpty())
+        reader.addMistake(node.Mark(), QStringLiteral("the scenario: there are no steps"));
+}
+
+/// Has the text's one document read. @throw ScenarioError
+void parse(const QByteArray &text, const QString &source, YamlReader &reader,
+           const std::function<void(const YAML::Node &)> &read)
+{
+    try {
+        const std::vector<YAML::Node> documents = YAML::LoadAll(text.toStdString());
+        if (documents.size() > 1)
+            reader.addMistake(documents[1].Mark(), QStringLiteral("there is a second document"));
+        read(documents.empty() ? YAML::Node() : documents.front());
+    } catch (const YAML::Exception &error) {
+        reader.addMistake(error.mark, QString::fromStdString(error.msg));
+    }
+    const QStringList mistakes = reader.mistakes(source);
+    if (!mistakes.isEmpty())
+        throw ScenarioError(mistakes);
+}
+} // namespace
+
+Scenario readScenario(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw ScenarioError({QStringLiteral("%1: %2").arg(path, file.errorString())});
+    Scenario scenario;
+    scenario.path = path;
+    YamlReader reader;
+    parse(file.readAll(), path, reader, [&](const YAML::Node &node) { readFile(node, reader, scenario); });
+    return scenario;
+}
+
+Step readStep(const QString &text, const QString &source)
+{
+    Step step;
+    YamlReader reader;
+    parse(text.toUtf8(), source, reader, [&](const YAML::Node &node) { step = readStep(node, reader); });
+    return step;
+}
+} // namespace kiosk

@@ -5,8 +5,8 @@
 #include <QDateTime>
 #include <QList>
 
-/// The clocks as the process sees them: they stand in for the C library's, so that Qt and everything above see them too.
-/// Monotonic clocks go on as they are, but for what skip() lets them leave out.
+/// The clocks as the process sees them: they stand in for the C library's, so that Qt and everything above see them
+/// too. Monotonic clocks go on as they are, but for what skip() lets them leave out.
 namespace TestClock {
 /// Stops the clock at @a moment.
 void freeze(const QDateTime &moment);
@@ -17,7 +17,8 @@ void play(const QList<QDateTime> &moments);
 /// Back to the real wall clock.
 void release();
 
-/// Lets the monotonic clock jump ahead, for good: a timer that is due by then fires at the next pass of the event loop,
-/// without anybody having waited. A loop that sleeps already does not notice.
+/// Lets the monotonic clock of this thread jump ahead, for good: a timer that is due by then fires at the next pass of
+/// the event loop, without anybody having waited. A loop that sleeps already does not notice, nor do other threads:
+/// sockets' time limits and QtTest's go on as they are. Always the same thread may skip.
 void skip(qint64 ms);
 } // namespace TestClock

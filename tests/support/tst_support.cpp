@@ -9,7 +9,10 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QThread>
 #include <QTimer>
+
+#include <memory>
 
 /// The tests' own instruments.
 class SupportTest : public TestCase
@@ -50,6 +53,24 @@ private Q_SLOTS:
         QCOMPARE(fired, 1);
         QVERIFY(elapsed.elapsed() >= 3'600'000);
         QVERIFY(before.secsTo(QDateTime::currentDateTimeUtc()) < 3'000);
+    }
+
+    void clock_skipping_leavesOtherThreadsAlone()
+    {
+        qint64 before = 0;
+        qint64 after = 0;
+        QElapsedTimer here;
+        here.start();
+        const auto read = [&here](qint64 *ms) {
+            const std::unique_ptr<QThread> thread(QThread::create([&here, ms] { *ms = here.elapsed(); }));
+            thread->start();
+            thread->wait();
+        };
+        read(&before);
+        TestClock::skip(3'600'000);
+        read(&after);
+        QVERIFY(here.elapsed() >= 3'600'000);
+        QVERIFY(after - before < 3'000'000);
     }
 
     void zone_set_isTheProcessZone()

@@ -14,7 +14,7 @@ public:
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QStringLiteral(CASH_SERVICE_PROGRAM),
                         QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")} + arguments);
-        constexpr int LIMIT = 30'000;
+        constexpr int LIMIT = 60'000;
         while (!m_process.canReadLine() && m_process.waitForReadyRead(LIMIT)) {
         }
         m_url = QString::fromUtf8(m_process.readLine()).trimmed().section(QLatin1Char(' '), -1);

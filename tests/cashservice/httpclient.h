@@ -104,7 +104,7 @@ public:
     }
 
 private:
-    static constexpr int LIMIT = 20'000;
+    static constexpr int LIMIT = 60'000;
 
     bool receive(const QDeadlineTimer &deadline)
     {

@@ -65,7 +65,7 @@ public:
     [[nodiscard]] QByteArray errors() { return m_process.readAllStandardError(); }
 
 private:
-    static constexpr int LIMIT = 20'000;
+    static constexpr int LIMIT = 60'000;
 
     QProcess m_process;
     QByteArray m_firstLine;

@@ -11,6 +11,9 @@ int main(int argc, char **argv)
 {
     CLI::App app{"A parking operator's cash service, to develop, demonstrate and test terminals against.",
                  "cash-service"};
+    app.failure_message([](const CLI::App *failed, const CLI::Error &error) {
+        return "cash-service: " + CLI::FailureMessage::simple(failed, error);
+    });
     cash::ServeOptions options;
     cash::addServeOptions(app, options);
     CheckOptions checkOptions;

@@ -4,6 +4,17 @@
 
 #include <CLI/CLI.hpp>
 
+namespace {
+/// What stands before "check" is for serving.
+void refuseOptionsOf(const CLI::App &app)
+{
+    for (const CLI::Option *option : app.get_options()) {
+        if (option->count() > 0)
+            throw CLI::ValidationError(option->get_name(), "means nothing to check; leave it out");
+    }
+}
+} // namespace
+
 const CLI::App *addCheckCommand(CLI::App &app, CheckOptions &options)
 {
     CLI::App *const check = app.add_subcommand("check", "Holds another cash service against the protocol. It registers "
@@ -31,6 +42,7 @@ const CLI::App *addCheckCommand(CLI::App &app, CheckOptions &options)
         ->capture_default_str();
     check->add_flag("--pay-in-full", options.payInFull,
                     "At last pay all that the card owes; it is of no use for the next run then");
+    check->callback([&app] { refuseOptionsOf(app); });
     check->footer("\nExit status: 0 all checks hold, 1 something breaks, 2 it could not test.");
     return check;
 }

@@ -241,7 +241,7 @@ private Q_SLOTS:
                     .arg(QString::fromUtf8(path)));
         for (const char *option : {"--db", "--clock", "--parking"})
             row(QByteArray("empty ") + option, {listen, anywhere, QLatin1String(option), QString()},
-                QStringLiteral("%1: the value is empty; write one, or leave the option out\n"
+                QStringLiteral("cash-service: %1: the value is empty; write one, or leave the option out\n"
                                "Run with --help for more information.\n")
                     .arg(QLatin1String(option)));
         row("parking directory", {listen, anywhere, QStringLiteral("--parking"), WorkDirectory::path()},
@@ -253,7 +253,17 @@ private Q_SLOTS:
             QStringLiteral("cash-service: /nowhere/park.yaml: cannot be read\n"));
         row("fault", {listen, anywhere, QStringLiteral("--fault"), QStringLiteral("any:burn")},
             QStringLiteral("cash-service: fault \"any:burn\": there is no fault \"burn\"; there are "));
-        row("option", {QStringLiteral("--lisen"), anywhere}, QStringLiteral("The following argument"));
+        row("option", {QStringLiteral("--lisen"), anywhere}, QStringLiteral("cash-service: The following argument"));
+        const QString url = QStringLiteral("http://127.0.0.1:9/api");
+        for (const char *option : {"--listen", "--path", "--db", "--parking", "--clock", "--fault"})
+            row(QByteArray("before check ") + option,
+                {QLatin1String(option), QStringLiteral("x"), QStringLiteral("check"), url},
+                QStringLiteral("cash-service: %1: means nothing to check; leave it out\n"
+                               "Run with --help for more information.\n")
+                    .arg(QLatin1String(option)));
+        row("behind check", {QStringLiteral("check"), url, listen, anywhere},
+            QStringLiteral("cash-service: The following argument"));
+        row("check without a URL", {QStringLiteral("check")}, QStringLiteral("cash-service: URL is required"));
     }
 
     void start_impossible_saysWhy()

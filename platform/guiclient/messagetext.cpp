@@ -128,15 +128,19 @@ void MessageText::scrollTo(int offset)
 
 void MessageText::mousePressEvent(QMouseEvent *event)
 {
+    // What does not scroll itself may lie in something that does.
+    event->setAccepted(scrollRange() > 0);
     m_grabbedAt = event->pos().y() + m_offset;
 }
 
 void MessageText::mouseMoveEvent(QMouseEvent *event)
 {
+    event->setAccepted(scrollRange() > 0);
     scrollTo(m_grabbedAt - event->pos().y());
 }
 
 void MessageText::wheelEvent(QWheelEvent *event)
 {
+    event->setAccepted(scrollRange() > 0);
     scrollTo(m_offset - event->angleDelta().y());
 }

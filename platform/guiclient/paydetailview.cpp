@@ -3,10 +3,9 @@
 #include "guiclient/paydetailview.h"
 
 #include "guiclient/messagetext.h"
+#include "guiclient/touchscrollarea.h"
 
 #include <QGridLayout>
-#include <QScrollArea>
-#include <QScroller>
 
 namespace {
 const QString NOTHING = QStringLiteral("—");
@@ -26,18 +25,6 @@ QString labelOf(const ProviderParameter &parameter)
     return parameter.label().isEmpty() ? parameter.name() : parameter.label();
 }
 
-QScrollArea *scrollable(QWidget *content)
-{
-    auto *area = new QScrollArea;
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(content);
-    area->viewport()->setAutoFillBackground(false);
-    content->setAutoFillBackground(false);
-    QScroller::grabGesture(area->viewport(), QScroller::LeftMouseButtonGesture);
-    return area;
-}
 } // namespace
 
 PayDetailView::PayDetailView(QWidget *parent)
@@ -64,7 +51,7 @@ PayDetailView::PayDetailView(QWidget *parent)
     layout->addWidget(m_sumDue);
     layout->addWidget(m_paidIn);
     layout->addSpacing(16);
-    layout->addWidget(scrollable(m_parameters), 6);
+    layout->addWidget(new TouchScrollArea(m_parameters), 6);
     layout->addWidget(m_phone);
 }
 

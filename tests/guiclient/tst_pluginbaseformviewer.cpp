@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "guiclient/pluginbaseformviewer.h"
 
+#include "guiclient/touchscrollarea.h"
 #include "support/testcase.h"
 #include "views.h"
 
 #include <QApplication>
 #include <QLabel>
+#include <QScrollBar>
 #include <QSignalSpy>
 
 namespace {
@@ -170,6 +172,30 @@ private Q_SLOTS:
         form.provider->setParameters({Views::parameter("SummToPay", {}, value)});
         form.viewer->showPayDetail();
         QCOMPARE(form.texts("sumDue"), QStringList(value + QStringLiteral(" руб.")));
+    }
+
+    void parameters_tooMany_scrollUnderTheFinger()
+    {
+        const Form form;
+        QList<ProviderParameter> many;
+        for (int i = 0; i < 60; ++i)
+            many.append(Views::parameter("p", QStringLiteral("Поле %1").arg(i), QString::number(i)));
+        form.provider->setParameters(many);
+        form.viewer->showPayDetail();
+        QVERIFY(QTest::qWaitForWindowExposed(form.viewer.get()));
+        QCoreApplication::processEvents();
+        const auto *area = form.viewer->findChild<TouchScrollArea *>();
+        QCOMPARE(area->verticalScrollBar()->value(), 0);
+        QVERIFY(area->verticalScrollBar()->maximum() > 0);
+        // From one label upwards, and further than there is.
+        const QPoint start = area->mapTo(form.viewer.get(), QPoint(100, 200));
+        QWindow *window = form.viewer->windowHandle();
+        QTest::mousePress(window, Qt::LeftButton, {}, start);
+        QTest::mouseMove(window, start - QPoint(0, 150));
+        QTRY_COMPARE(area->verticalScrollBar()->value(), 150);
+        QTest::mouseMove(window, start - QPoint(0, 190));
+        QTRY_COMPARE(area->verticalScrollBar()->value(), 190);
+        QTest::mouseRelease(window, Qt::LeftButton, {}, start - QPoint(0, 190));
     }
 
     void details_hidden_leaveOtherViewsUp()

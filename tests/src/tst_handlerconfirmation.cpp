@@ -144,10 +144,18 @@ private Q_SLOTS:
         QCOMPARE(paid.bench.takeSignals(), QStringList());
     }
 
+    void limit_noAnswer_isWaitedFor_data()
+    {
+        QTest::addColumn<QTime>("begin");
+        QTest::newRow("by day") << QTime(14, 5, 9);
+        QTest::newRow("over midnight") << QTime(23, 59, 30);
+    }
+
     void limit_noAnswer_isWaitedFor()
     {
+        QFETCH(QTime, begin);
         PaidBench paid;
-        StillClock clock;
+        StillClock clock(QDateTime(QDate(2024, 3, 7), begin));
         paid.service.hold();
         const Meanwhile meanwhile({{paid.asked(),
                                     [&] {
@@ -160,6 +168,18 @@ private Q_SLOTS:
         QVERIFY(!clock.wasHelped());
         QCOMPARE(paid.bench.messageText(), CONFIRMING);
         QCOMPARE(paid.bench.takeSignals(), QStringList());
+    }
+
+    // The stopwatch knows the time of day alone: earlier than before is tomorrow.
+    void limit_clockSetBack_isTakenForPassed()
+    {
+        PaidBench paid;
+        StillClock clock;
+        paid.service.hold();
+        const Meanwhile meanwhile({{paid.asked(), [&] { clock.pass(-1); }}});
+        paid.commit();
+        QVERIFY(meanwhile.isDone());
+        QVERIFY(!clock.wasHelped());
     }
 
     void limit_noneOrCutTo16Bits_endsAtTheFirstLook_data()

@@ -151,6 +151,18 @@ private Q_SLOTS:
         QCOMPARE(bench.takeSignals(), CANCELLED);
     }
 
+    void cancelAcceptHandler_noQuestionUp_onlyCancels()
+    {
+        ParkomatPluginHandler handler;
+        HandlerBench bench(&handler);
+        handler.cancelAcceptHandler();
+        bench.startWithScreen();
+        handler.cancelAcceptHandler();
+        QCOMPARE(bench.takeSignals(), CANCELLED);
+        // The form's own message stays: taking it off is the host's stop.
+        QCOMPARE(bench.messageText(), INVITATION);
+    }
+
     void permitCancel_form_isCoveredByTheQuestion()
     {
         ParkomatPluginHandler handler;

@@ -11,7 +11,7 @@
 class StillClock
 {
 public:
-    StillClock() : m_now(QDateTime::currentDateTime())
+    explicit StillClock(const QDateTime &now = QDateTime::currentDateTime()) : m_now(now)
     {
         TestClock::freeze(m_now);
         m_guard.setSingleShot(true);
@@ -25,6 +25,7 @@ public:
     StillClock(const StillClock &) = delete;
     StillClock &operator=(const StillClock &) = delete;
 
+    /// @param ms below 0: somebody sets the clock back.
     void pass(qint64 ms)
     {
         m_now = m_now.addMSecs(ms);

@@ -16,10 +16,7 @@ ControlConnection::ControlConnection(const Stage &stage, QLocalSocket *socket, Q
     connect(socket, &QLocalSocket::readyRead, this, &ControlConnection::takeLine);
     connect(socket, &QLocalSocket::disconnected, this, &QObject::deleteLater);
     connect(&m_runner, &StepRunner::finished, this, [this](const QString &failure, const QString &note) {
-        m_isRunning = false;
         answer({{QStringLiteral("failure"), failure}, {QStringLiteral("note"), note}});
-        // The next line may be there already.
-        QMetaObject::invokeMethod(this, &ControlConnection::takeLine, Qt::QueuedConnection);
     });
     takeLine();
 }
@@ -28,16 +25,15 @@ void ControlConnection::takeLine()
 {
     if (m_isRunning || !m_socket->canReadLine())
         return;
+    m_isRunning = true;
     const QString line = QString::fromUtf8(m_socket->readLine()).trimmed();
-    m_isRunning = line != QLatin1String("state");
-    if (!m_isRunning) {
+    if (line == QLatin1String("state")) {
         answer({{QStringLiteral("failure"), QString()}, {QStringLiteral("state"), stateOf(m_stage)}});
         return;
     }
     try {
         m_runner.run(readStep(line, QStringLiteral("step")));
     } catch (const ScenarioError &error) {
-        m_isRunning = false;
         answer({{QStringLiteral("failure"), error.mistakes().join(QLatin1Char('\n'))}});
     }
 }
@@ -46,5 +42,8 @@ void ControlConnection::answer(const QJsonObject &answer)
 {
     m_socket->write(QJsonDocument(answer).toJson(QJsonDocument::Compact) + '\n');
     m_socket->flush();
+    m_isRunning = false;
+    // The next line may be there already.
+    QMetaObject::invokeMethod(this, &ControlConnection::takeLine, Qt::QueuedConnection);
 }
 } // namespace kiosk

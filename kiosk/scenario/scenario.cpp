@@ -36,7 +36,8 @@ void readFile(const YAML::Node &node, YamlReader &reader, Scenario &scenario)
                     {QStringLiteral("host"), [&](const YAML::Node &value) { readHost(value, reader, scenario.host); }},
                     {QStringLiteral("steps"),
                      [&](const YAML::Node &value) { reader.readList(value, QStringLiteral("steps"), addStep); }}});
-    if (scenario.steps.isEmpty())
+    const YAML::Node steps = node.IsMap() ? node["steps"] : YAML::Node();
+    if (node.IsMap() && (!steps || (steps.IsSequence() && steps.size() == 0)))
         reader.addMistake(node.Mark(), QStringLiteral("the scenario: there are no steps"));
 }
 

@@ -21,7 +21,7 @@ struct Stage
     /// Null without a cash service to break.
     ServiceFaults *faults = nullptr;
     /// Empty: no screenshots are taken.
-    QString shotsDir;
+    QString shotsDir = {};
 };
 
 /// Does one step at a time. A step is over when its touch is delivered; what comes of it (a commit, say) goes on.

@@ -2,14 +2,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "guiclient/pluginbaseformviewer.h"
 #include "ledger/ledger.h"
 #include "plugin/pluginhost.h"
+#include "scenario/steprunner.h"
 #include "terminal.h"
+#include "view/view.h"
 
 #include "support/waiting.h"
 #include "support/workdirectory.h"
 
-#include <QVBoxLayout>
 #include <QWidget>
 
 #include <memory>
@@ -29,6 +31,7 @@ public:
         QMetaObject::invokeMethod(m_host.root(), "forgetPlans");
         m_terminal = std::make_unique<kiosk::Terminal>(m_host, m_ledger, options);
         QObject::connect(m_terminal.get(), &kiosk::Terminal::screenChanged, &m_window, [this] { embedForm(); });
+        m_window.resize(800, 600);
         m_window.show();
     }
     ~TerminalBench()
@@ -44,6 +47,13 @@ public:
     kiosk::Terminal *operator->() const { return m_terminal.get(); }
     [[nodiscard]] kiosk::Terminal &terminal() const { return *m_terminal; }
     [[nodiscard]] kiosk::PluginHost &host() { return m_host; }
+    [[nodiscard]] QWidget &window() { return m_window; }
+    [[nodiscard]] kiosk::Stage stage() { return {*m_terminal, m_window}; }
+    [[nodiscard]] kiosk::View view() { return {*m_terminal, m_window}; }
+    [[nodiscard]] PluginBaseFormViewer *form() const
+    {
+        return qobject_cast<PluginBaseFormViewer *>(m_terminal->formWidget());
+    }
 
     void plan(const char *what, const QVariant &value)
     {
@@ -94,6 +104,7 @@ private:
         if (form == nullptr)
             return;
         form->setParent(&m_window);
+        form->resize(m_window.size());
         form->show();
     }
 

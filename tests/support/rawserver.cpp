@@ -163,6 +163,11 @@ int RawServer::openConnections() const
     }));
 }
 
+bool RawServer::isOpen(int number) const
+{
+    return m_sockets.value(number).socket->state() == QAbstractSocket::ConnectedState;
+}
+
 QString RawServer::complaint() const
 {
     QStringList all = m_complaints;

@@ -81,6 +81,7 @@ public:
     /// The connections taken so far, and how many of them neither side has closed.
     [[nodiscard]] int connections() const { return m_sockets.size(); }
     [[nodiscard]] int openConnections() const;
+    [[nodiscard]] bool isOpen(int connection) const;
 
     /// Empty when all went as planned.
     [[nodiscard]] QString complaint() const;

@@ -3,10 +3,9 @@
 #include "adminapi.h"
 
 #include "base64.h"
+#include "text.h"
 
 #include <nlohmann/json.hpp>
-
-#include <charconv>
 
 namespace cash {
 namespace {
@@ -165,16 +164,14 @@ void AdminApi::answerFaults(const httplib::Request &request, httplib::Response &
 {
     FaultBook &faults = m_service.faults();
     const std::string rest = request.path.substr(FAULTS.size());
-    int id = 0;
     if (rest.empty() && request.method == "GET")
         send(response, 200, faultsJson(faults));
     else if (rest.empty() && request.method == "POST")
         addFault(request.body, response);
     else if (rest.empty() && request.method == "DELETE")
         send(response, 200, {{"removed", faults.clear()}});
-    else if (request.method == "DELETE" &&
-             std::from_chars(rest.data() + 1, rest.data() + rest.size(), id).ptr == rest.data() + rest.size() &&
-             faults.remove(id) == 1)
+    else if (request.method == "DELETE" && rest.front() == '/' &&
+             faults.remove(numberFromText<int>(rest.substr(1)).value_or(0)) == 1)
         send(response, 200, {{"removed", 1}});
     else
         refuse(response, 404,

@@ -3,10 +3,10 @@
 #include "fault.h"
 
 #include "carpark.h"
+#include "text.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <string_view>
 
 namespace cash {
@@ -19,8 +19,9 @@ using ReadValue = std::string (*)(Fault &, const std::string &);
 template <typename Number>
 bool readNumber(std::string_view text, Number &number)
 {
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+    const std::optional<Number> read = numberFromText<Number>(text);
+    number = read.value_or(number);
+    return read.has_value();
 }
 
 std::string readNothing(Fault & /*fault*/, const std::string &value)

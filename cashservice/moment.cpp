@@ -2,17 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "moment.h"
 
+#include "text.h"
+
 #include <array>
 #include <ctime>
 #include <utility>
 
 namespace cash {
 namespace {
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 int number(std::string_view text, std::size_t position, std::size_t length)
 {
     int value = 0;
@@ -114,7 +111,7 @@ std::optional<std::chrono::milliseconds> durationFromText(std::string_view text)
             ++next;
         if (digits == 0 || digits > mostDigits || next == units.size())
             return std::nullopt;
-        total += std::stoll(std::string(text.substr(0, digits))) * units.at(next).second;
+        total += numberFromText<std::int64_t>(text.substr(0, digits)).value_or(0) * units.at(next).second;
         text.remove_prefix(end);
         ++next;
     }

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "money.h"
 
-#include <algorithm>
+#include "text.h"
+
 #include <limits>
 
 namespace cash {
@@ -10,11 +11,6 @@ namespace {
 constexpr Hundredths HIGHEST = std::numeric_limits<Hundredths>::max();
 constexpr Hundredths LOWEST = std::numeric_limits<Hundredths>::min();
 constexpr std::size_t MOST_UNIT_DIGITS = 10;
-
-bool areDigits(std::string_view text)
-{
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
 } // namespace
 
 Hundredths sum(Hundredths a, Hundredths b)
@@ -52,7 +48,7 @@ std::optional<Hundredths> amountFromText(std::string_view text)
             return std::nullopt;
     }
     decimals.resize(2, '0');
-    return std::stoll(std::string(units) + decimals);
+    return numberFromText<Hundredths>(std::string(units) + decimals);
 }
 
 std::string amountToText(Hundredths amount)

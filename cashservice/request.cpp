@@ -3,11 +3,11 @@
 #include "request.h"
 
 #include "rules.h"
+#include "text.h"
 #include "xmlreport.h"
 
 #include <pugixml.hpp>
 
-#include <charconv>
 #include <utility>
 #include <vector>
 
@@ -135,14 +135,12 @@ std::string readText(Children &children, const Field &field)
 std::int64_t readNumber(Children &children, const char *name)
 {
     const std::string text = readText(children, {name, nullptr, rules::isAnything, "", true});
-    std::int64_t value = 0;
-    const char *const end = text.data() + text.size();
-    const auto [stoppedAt, error] = std::from_chars(text.data(), end, value);
-    if (error == std::errc::result_out_of_range && stoppedAt == end)
+    const std::optional<std::int64_t> value = numberFromText<std::int64_t>(text);
+    if (!value && areDigits(std::string_view(text).substr(text.rfind('-', 0) == 0 ? 1 : 0)))
         throw Stop{name, NUMBER_RANGE};
     if (!rules::isWholeNumber(text))
         throw Stop{name, WHOLE_NUMBER};
-    return value;
+    return *value;
 }
 
 void readPayment(const pugi::xml_node &payments, Request &request)
@@ -177,13 +175,6 @@ void readRoot(const pugi::xml_node &root, Request &request)
     children.end();
 }
 
-std::string inUpperCase(std::string text)
-{
-    for (char &c : text)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    return text;
-}
-
 void checkXml(std::string_view body)
 {
     if (isBlank(body))
@@ -196,7 +187,7 @@ void checkXml(std::string_view body)
         throw Stop{"XML", "DOCTYPE не допускается"};
     if (!report.version.empty() && report.version != "1.0")
         throw Stop{"XML", "ожидается версия 1.0"};
-    if (!report.encoding.empty() && inUpperCase(report.encoding) != "UTF-8")
+    if (!report.encoding.empty() && inLowerCase(report.encoding) != "utf-8")
         throw Stop{"XML", "ожидается кодировка UTF-8"};
 }
 

@@ -3,24 +3,14 @@
 #include "rules.h"
 
 #include "moment.h"
+#include "text.h"
 #include "utf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 
 namespace cash::rules {
 namespace {
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool areDigits(std::string_view text)
-{
-    return std::all_of(text.begin(), text.end(), isDigit);
-}
-
 int twoDigits(std::string_view text, std::size_t position)
 {
     return (text[position] - '0') * 10 + (text[position + 1] - '0');
@@ -88,11 +78,8 @@ bool isTimeStamp(std::string_view text)
 
 bool isWholeNumber(std::string_view text)
 {
-    const std::string_view digits = !text.empty() && text.front() == '-' ? text.substr(1) : text;
-    if (digits.empty() || !areDigits(digits) || (digits.front() == '0' && text != "0"))
-        return false;
-    std::int64_t value = 0;
-    return std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc();
+    const std::optional<std::int64_t> number = numberFromText<std::int64_t>(text);
+    return number && std::to_string(*number) == text;
 }
 
 bool isPaymentType(std::string_view text)

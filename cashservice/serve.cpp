@@ -5,10 +5,10 @@
 #include "adminapi.h"
 #include "parkingfile.h"
 #include "server.h"
+#include "text.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
 #include <csignal>
 #include <iostream>
 #include <stdexcept>
@@ -29,10 +29,8 @@ std::pair<std::string, int> hostAndPort(const std::string &listen)
     std::string host = listen.substr(0, colon);
     if (host.size() > 2 && host.front() == '[' && host.back() == ']')
         host = host.substr(1, host.size() - 2);
-    const std::string text = colon == std::string::npos ? "" : listen.substr(colon + 1);
-    int port = -1;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), port);
-    if (host.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() || port < 0 || port > 65535)
+    const int port = numberFromText<int>(colon == std::string::npos ? "" : listen.substr(colon + 1)).value_or(-1);
+    if (host.empty() || port < 0 || port > 65535)
         throw OptionError("--listen \"" + listen + "\" is no address; write HOST:PORT, for example 127.0.0.1:13006");
     return {host, port};
 }

@@ -4,6 +4,7 @@
 
 #include "acceptor.h"
 #include "adminapi.h"
+#include "text.h"
 
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -11,9 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <optional>
 #include <utility>
@@ -31,21 +30,13 @@ std::string normalised(std::string path)
     return path;
 }
 
-std::string lowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return text;
-}
-
 /// What is wrong with the one Content-Length that a request has. 0: nothing.
 int trouble(const std::string &length, std::size_t limit)
 {
-    if (length.empty() || length.find_first_not_of("0123456789") != std::string::npos)
+    if (!areDigits(length))
         return 400;
-    std::uint64_t size = 0;
-    const bool isNumber = std::from_chars(length.data(), length.data() + length.size(), size).ec == std::errc();
-    return isNumber && size <= limit ? 0 : 413;
+    const std::optional<std::uint64_t> size = numberFromText<std::uint64_t>(length);
+    return size && *size <= limit ? 0 : 413;
 }
 
 /// What makes it impossible to say where a request ends, or what its body is. 0: nothing.
@@ -55,7 +46,7 @@ int lengthTrouble(const httplib::Request &request, std::size_t limit)
     const std::size_t encodings = request.get_header_value_count("Transfer-Encoding");
     if (lengths > 1 || (lengths == 1 && encodings != 0))
         return 400;
-    if (encodings > 1 || (encodings == 1 && lowerCase(request.get_header_value("Transfer-Encoding")) != "chunked"))
+    if (encodings > 1 || (encodings == 1 && inLowerCase(request.get_header_value("Transfer-Encoding")) != "chunked"))
         return 501;
     if (const int status = lengths == 0 ? 0 : trouble(request.get_header_value("Content-Length"), limit))
         return status;

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "service.h"
 
+#include "text.h"
+
 #include <algorithm>
-#include <cctype>
 #include <iostream>
 #include <utility>
 
@@ -45,9 +46,7 @@ bool isContentTypeRight(std::string_view contentType)
 {
     std::string type(contentType.substr(0, contentType.find(';')));
     type.erase(type.find_last_not_of(" \t") + 1);
-    std::transform(type.begin(), type.end(), type.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return type == CONTENT_TYPE;
+    return inLowerCase(type) == CONTENT_TYPE;
 }
 
 Answer::Texts attributes(Operation operation, int resultCode)

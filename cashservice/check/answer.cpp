@@ -3,6 +3,7 @@
 #include "answer.h"
 
 #include "decoding.h"
+#include "text.h"
 #include "xmlreport.h"
 
 #include <pugixml.hpp>
@@ -18,16 +19,9 @@ std::string localName(const char *name)
     return whole.substr(whole.find(':') + 1);
 }
 
-std::string inLowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 bool isResponseElement(const pugi::xml_node &node)
 {
-    return node.type() == pugi::node_element && inLowerCase(localName(node.name())) == "response";
+    return node.type() == pugi::node_element && cash::inLowerCase(localName(node.name())) == "response";
 }
 
 Field fieldOf(const pugi::xml_node &element)
@@ -99,7 +93,7 @@ std::optional<std::string> Answer::attribute(const std::string &attributeName) c
 bool Answer::isSuccess() const
 {
     return std::any_of(attributes.begin(), attributes.end(), [](const Field &attribute) {
-        return inLowerCase(localName(attribute.name.c_str())) == "resultcode" &&
+        return cash::inLowerCase(localName(attribute.name.c_str())) == "resultcode" &&
                std::strtol(attribute.text.c_str(), nullptr, 10) == 1;
     });
 }
@@ -109,7 +103,7 @@ long long Answer::amount(const std::string &fieldName) const
     const std::string text = field(fieldName).value_or("");
     std::string digits;
     std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
-                 [](char c) { return c == '-' || (c >= '0' && c <= '9'); });
+                 [](char c) { return c == '-' || cash::isDigit(c); });
     return std::strtoll(digits.c_str(), nullptr, 10);
 }
 

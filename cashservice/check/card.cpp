@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "card.h"
 
-#include <algorithm>
+#include "rules.h"
 
 namespace conformance {
 std::optional<Card> readCard(const std::string &text)
@@ -11,8 +11,7 @@ std::optional<Card> readCard(const std::string &text)
     if (text.size() < UID_SIZE + 2 || text[UID_SIZE] != ':')
         return {};
     Card card = {text.substr(0, UID_SIZE), text.substr(UID_SIZE + 1)};
-    const auto isDigit = [](char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); };
-    if (!std::all_of(card.uid.begin(), card.uid.end(), isDigit))
+    if (!cash::rules::isCardUid(card.uid))
         return {};
     return card;
 }

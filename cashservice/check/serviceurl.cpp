@@ -2,14 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "serviceurl.h"
 
+#include "text.h"
+
 #include <regex>
 
 namespace conformance {
 namespace {
 bool isPort(const std::string &digits)
 {
-    constexpr unsigned long LAST_PORT = 65535;
-    const unsigned long port = std::stoul(digits);
+    constexpr int LAST_PORT = 65535;
+    const int port = cash::numberFromText<int>(digits).value_or(0);
     return port >= 1 && port <= LAST_PORT;
 }
 } // namespace

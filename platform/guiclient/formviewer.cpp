@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QChildEvent>
 #include <QFileInfo>
+#include <QLayout>
 
 #include <algorithm>
 
@@ -45,6 +46,7 @@ void FormViewer::showWidget(const QString &name)
         return;
     }
     view->setGeometry(rect());
+    layOut(view);
     // What follows from it, eventFilter() sees to: also when it is somebody else who shows the view.
     view->show();
 }
@@ -91,6 +93,8 @@ void FormViewer::removeView(QWidget *view)
         return;
     view->hide();
     view->removeEventFilter(this);
+    if (view->layout() != nullptr)
+        view->layout()->setEnabled(true);
     m_views.erase(std::remove_if(m_views.begin(), m_views.end(), [&](const View &v) { return v.widget == view; }),
                   m_views.end());
 }
@@ -122,8 +126,10 @@ void FormViewer::setCurrent(QWidget *view)
         else if (widget != nullptr)
             widget->hide();
     }
-    if (view != nullptr)
+    if (view != nullptr) {
         view->setGeometry(rect());
+        layOut(view);
+    }
     if (isVisible()) {
         updateWaitingPage();
         takeFocus();
@@ -133,6 +139,18 @@ void FormViewer::setCurrent(QWidget *view)
         return;
     m_currentName = name;
     Q_EMIT currentViewChanged(name);
+}
+
+void FormViewer::layOut(QWidget *view)
+{
+    QLayout *layout = view->layout();
+    if (layout == nullptr || layout->isEnabled() == isVisible())
+        return;
+    layout->setEnabled(isVisible());
+    if (!isVisible())
+        return;
+    layout->invalidate();
+    layout->activate();
 }
 
 bool FormViewer::eventFilter(QObject *watched, QEvent *event)
@@ -149,16 +167,16 @@ void FormViewer::childEvent(QChildEvent *event)
     QWidget::childEvent(event);
     if (!event->removed() || event->child() == m_waitingPage)
         return;
-    // Somebody else's now, or deleted: then no pointer to it is left.
-    QObject *child = event->child();
-    if (isView(child))
-        child->removeEventFilter(this);
-    const auto isGone = [&](const View &view) { return view.widget.isNull() || view.widget == child; };
-    const auto gone = std::remove_if(m_views.begin(), m_views.end(), isGone);
+    // Given to somebody else, or deleted: then no pointer to it is left.
+    if (isView(event->child())) {
+        removeView(static_cast<QWidget *>(event->child()));
+        return;
+    }
+    const auto gone = std::remove_if(m_views.begin(), m_views.end(), [](const View &view) { return !view.widget; });
     if (gone == m_views.end())
         return;
     m_views.erase(gone, m_views.end());
-    if (m_current.isNull() || m_current == child)
+    if (!m_current)
         setCurrent(nullptr);
 }
 
@@ -173,12 +191,16 @@ void FormViewer::showEvent(QShowEvent * /*event*/)
 {
     QWidget *before = QApplication::focusWidget();
     m_focusBefore = before != nullptr && before->window() == window() && !isAncestorOf(before) ? before : nullptr;
+    if (m_current)
+        layOut(m_current);
     updateWaitingPage();
     takeFocus();
 }
 
 void FormViewer::hideEvent(QHideEvent * /*event*/)
 {
+    if (m_current)
+        layOut(m_current);
     if (m_focusBefore && isAncestorOf(QApplication::focusWidget()))
         m_focusBefore->setFocus();
 }

@@ -74,6 +74,9 @@ private:
 
     [[nodiscard]] bool isView(const QObject *object) const;
     void setCurrent(QWidget *view);
+    /// Lays the view out if the viewer can be seen, and puts it off if not: messages that nobody sees cost next to
+    /// nothing.
+    void layOut(QWidget *view);
     void updateWaitingPage();
     void takeFocus();
     [[nodiscard]] bool isCovered() const;

@@ -429,6 +429,34 @@ private Q_SLOTS:
         QVERIFY(!window.isFullScreen());
     }
 
+    void view_hiddenViewer_isLaidOutWhenItCanBeSeen()
+    {
+        FormViewer viewer;
+        viewer.resize(800, 600);
+        auto *one = new Page;
+        auto *two = new Page;
+        for (int round = 0; round < 2; ++round) {
+            viewer.addView(one, ONE);
+            viewer.addView(two, TWO);
+            // Its parts come and go unseen.
+            one->button->hide();
+            viewer.showWidget(ONE);
+            one->button->show();
+            QVERIFY(!one->layout()->isEnabled());
+            viewer.show();
+            QCOMPARE(one->size(), viewer.size());
+            QCOMPARE(one->button->width(), one->line->width());
+            QVERIFY(one->button->y() > one->line->geometry().bottom());
+            two->show();
+            QCOMPARE(two->size(), viewer.size());
+            QVERIFY(two->button->y() > two->line->geometry().bottom());
+            viewer.hide();
+            viewer.resize(viewer.width() + 100, viewer.height());
+        }
+        viewer.removeView(one);
+        QVERIFY(one->layout()->isEnabled());
+    }
+
     // Touch and keys
 
     void hiddenView_getsNeitherTouchNorKeys()

@@ -9,8 +9,7 @@
 #include <stdexcept>
 
 BareExchange::BareExchange(quint16 port, const QString &operation, const QString &text)
-    : m_request(QUrl(QStringLiteral("http://127.0.0.1:%1/api/%2").arg(port).arg(operation))),
-      m_body(text.toUtf8()),
+    : m_request(QUrl(QStringLiteral("http://127.0.0.1:%1/api/%2").arg(port).arg(operation))), m_body(text.toUtf8()),
       m_expected(operation.toUtf8() + "Response")
 {
     m_request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/soap+xml"));

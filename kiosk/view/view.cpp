@@ -90,10 +90,13 @@ QString View::screen() const
     case Terminal::Screen::Details:
         break;
     }
-    const QWidget *const view = topmost();
-    if (view->findChild<QWidget *>(QLatin1String(INPUT_LINE)) != nullptr)
+    const auto has = [view = topmost()](const char *name) {
+        const auto *const part = view->findChild<QWidget *>(QLatin1String(name));
+        return part != nullptr && part->isVisible();
+    };
+    if (has(INPUT_LINE))
         return QStringLiteral("input");
-    if (view->findChild<QWidget *>(QLatin1String(MESSAGE_TEXT)) != nullptr)
+    if (has(MESSAGE_TEXT))
         return QStringLiteral("message");
     const FormViewer *const viewer = topmostViewer(m_terminal.formWidget());
     const bool hasDetails =

@@ -7,6 +7,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <array>
+
 namespace cash {
 namespace {
 using Json = nlohmann::ordered_json;
@@ -124,10 +127,26 @@ bool AdminApi::isLoopback(std::string_view address)
     return address == "::1" || address.substr(0, 4) == "127.";
 }
 
+bool AdminApi::isOwnName(std::string_view host)
+{
+    constexpr std::array<std::string_view, 3> names = {"127.0.0.1", "localhost", "[::1]"};
+    const std::string name = inLowerCase(std::string(host));
+    return std::any_of(names.begin(), names.end(), [&name](std::string_view own) {
+        const std::string_view rest = std::string_view(name).substr(std::min(own.size(), name.size()));
+        return name.rfind(own, 0) == 0 && (rest.empty() || (rest.front() == ':' && areDigits(rest.substr(1))));
+    });
+}
+
 void AdminApi::answer(const httplib::Request &request, httplib::Response &response)
 {
     if (!isLoopback(request.remote_addr)) {
         refuse(response, 403, "/admin is for clients on the same machine; you are " + request.remote_addr);
+        return;
+    }
+    if (request.get_header_value_count("Host") != 1 || !isOwnName(request.get_header_value("Host"))) {
+        refuse(response, 403,
+               "/admin answers as 127.0.0.1, localhost or [::1] alone; you ask for \"" +
+                   request.get_header_value("Host") + "\"");
         return;
     }
     try {

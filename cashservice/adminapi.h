@@ -25,6 +25,9 @@ public:
     [[nodiscard]] static bool isPath(std::string_view path);
     /// Whether an address, as text, is this machine's own.
     [[nodiscard]] static bool isLoopback(std::string_view address);
+    /// Whether a Host header names this machine as itself: a web page of any other name, which leads here, must not be
+    /// served by this machine's browser.
+    [[nodiscard]] static bool isOwnName(std::string_view host);
 
     void answer(const httplib::Request &request, httplib::Response &response);
 

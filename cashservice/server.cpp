@@ -90,6 +90,13 @@ public:
             explain(response);
             return HandlerResponse::Handled;
         });
+        // A client that asks before it sends a body is told at once what is wrong with its length.
+        set_expect_100_continue_handler([this](const httplib::Request &request, httplib::Response &) {
+            const int status = lengthTrouble(request, m_limits.body);
+            if (status != 0)
+                currentConnection->refuse(status);
+            return status == 0 ? 100 : status;
+        });
         set_post_routing_handler([this](const httplib::Request &request, httplib::Response &response) {
             sayWhetherToGoOn(request, response);
         });

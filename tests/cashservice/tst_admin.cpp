@@ -215,9 +215,51 @@ private Q_SLOTS:
         request.method = "GET";
         request.path = "/admin/payments";
         request.remote_addr = address.toStdString();
+        request.set_header("Host", "localhost");
         httplib::Response response;
         api.answer(request, response);
         QCOMPARE(response.status, isLoopback ? 200 : 403);
+    }
+
+    void admin_underAnotherName_isForbidden_data()
+    {
+        QTest::addColumn<QByteArray>("host");
+        QTest::addColumn<int>("status");
+        const auto row = [](const char *name, const char *host, int status) {
+            QTest::newRow(name) << QByteArray(host) << status;
+        };
+        row("127.0.0.1", "Host: 127.0.0.1\r\n", 200);
+        row("127.0.0.1 with a port", "Host: 127.0.0.1:13006\r\n", 200);
+        row("localhost", "Host: localhost\r\n", 200);
+        row("localhost with a port", "Host: LocalHost:1\r\n", 200);
+        row("[::1]", "Host: [::1]\r\n", 200);
+        row("[::1] with a port", "Host: [::1]:13006\r\n", 200);
+        row("a name that leads here", "Host: service.example:13006\r\n", 403);
+        row("a name that begins alike", "Host: localhost.example\r\n", 403);
+        row("a number that begins alike", "Host: 127.0.0.1.example:13006\r\n", 403);
+        row("a name that ends alike", "Host: my.localhost\r\n", 403);
+        row("a port that is none", "Host: localhost:x\r\n", 403);
+        row("an empty port", "Host: localhost:\r\n", 403);
+        row("a user before it", "Host: localhost:1@service.example\r\n", 403);
+        row("an empty name", "Host:\r\n", 403);
+        row("none", "", 403);
+        row("two", "Host: localhost\r\nHost: localhost\r\n", 403);
+    }
+
+    void admin_underAnotherName_isForbidden()
+    {
+        QFETCH(const QByteArray, host);
+        QFETCH(const int, status);
+        const RunningService service;
+        HttpClient client(service.port());
+        client.send("GET /admin/payments HTTP/1.1\r\n" + host + "\r\n");
+        const HttpClient::Answer answer = client.read();
+        QCOMPARE(answer.status, status);
+        QCOMPARE(jsonOf(answer).contains(QStringLiteral("error")), status == 403);
+        // The protocol itself is for any name.
+        client.send(HttpClient::request("POST", "/api/ParkingCheck", Requests::parkingCheck())
+                        .replace("Host: localhost", "Host: service.example"));
+        QCOMPARE(client.read().status, 200);
     }
 };
 

@@ -105,6 +105,20 @@ private Q_SLOTS:
         QCOMPARE(QByteArray::fromBase64(request.value(QStringLiteral("bytes")).toString().toLatin1()), head + body);
     }
 
+    void request_tooLongThatWaitsForAGoOn_isToldSoInstead()
+    {
+        const RunningService service;
+        HttpClient client(service.port());
+        client.send(CHECK_HEAD + "Expect: 100-continue\r\nContent-Length: 65537\r\n\r\n");
+        const HttpClient::Answer answer = client.read();
+        QCOMPARE(answer.status, 413);
+        QCOMPARE(answer.body, QByteArray("413 Payload Too Large\n"));
+        QCOMPARE(HttpClient::header(answer.head, "connection"), QByteArray("close"));
+        QVERIFY(client.isClosedByService());
+        const QJsonObject seen = adminJson(service.port(), "/admin/requests");
+        QCOMPARE(seen.value(QStringLiteral("count")).toInt(), 1);
+    }
+
     void connection_kept_servesOneRequestAfterTheOther()
     {
         const RunningService service;
@@ -159,7 +173,7 @@ private Q_SLOTS:
         row("GET with a bare line feed", get + "Content-Length: " + size + "\nA: b\r\n", 405);
         row("OPTIONS with a length", "OPTIONS /api/ParkingCheck HTTP/1.1\r\n" + length, 405);
         row("OPTIONS in chunks", "OPTIONS /api/ParkingCheck HTTP/1.1\r\nTransfer-Encoding: chunked\r\n", 405);
-        row("DELETE with a length", "DELETE /admin/requests HTTP/1.1\r\n" + length, 200);
+        row("DELETE with a length", "DELETE /admin/requests HTTP/1.1\r\nHost: localhost\r\n" + length, 200);
         row("CONNECT with a length", "CONNECT /api/ParkingCheck HTTP/1.1\r\n" + length, 400);
         row("two lengths", CHECK_HEAD + "Content-Length: 0\r\n" + length, 400);
         row("no length", CHECK_HEAD, 411);

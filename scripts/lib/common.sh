@@ -84,7 +84,7 @@ need_packages()
 configure_preset()
 {
     local options
-    read -ra options <<<"-DPARKOMAT_BENCHMARKS=OFF ${PARKOMAT_CMAKE_OPTIONS:-}"
+    read -ra options <<<"-DBUILD_TESTING=ON -DPARKOMAT_BENCHMARKS=OFF ${PARKOMAT_CMAKE_OPTIONS:-}"
     section "Configuring ($1)"
     (cd "$root" && cmake --preset "$1" "${options[@]}")
 }

@@ -66,7 +66,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, fault);
         QFETCH(QString, text);
-        TerminalAppSettings().setAutoCloseMessagesAfter(1);
+        TerminalAppSettings().setAutoCloseMessagesAfter(40);
         const CashService service({QStringLiteral("--fault"), fault});
         HandlerBench::useService(service.port());
         ParkomatPluginHandler handler;
@@ -78,7 +78,7 @@ private Q_SLOTS:
             QVERIFY(!bench.messageText().isEmpty());
         else
             QCOMPARE(bench.messageText(), text);
-        letPass(1'500);
+        letPass(41'000);
         QCOMPARE(bench.outcome(), CANCELLED);
         QCOMPARE(bench.messageText(), QString());
     }

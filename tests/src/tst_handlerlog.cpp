@@ -170,6 +170,23 @@ private Q_SLOTS:
         WAIT_FOR(service.requests(), 1);
     }
 
+    void card_typed_isLoggedWithItsFixedFields()
+    {
+        ScriptedService service;
+        ParkomatPluginHandler handler;
+        HandlerBench bench(&handler);
+        bench.start();
+        service.hold();
+        handler.cardNumberInputHandler(QStringLiteral("99"));
+        MessageLog::drop();
+        handler.cardUidInputHandler(QStringLiteral("FFFFFFFF"));
+        QCOMPARE(
+            takeHandlersLines().constFirst(),
+            rendered(QtWarningMsg, DEFAULT, CARD,
+                     QStringLiteral("cardId: 99\ncdt: 1\nid: 4294967295\npdata: 01312211020202190000000100000000")));
+        WAIT_FOR(service.requests(), 1);
+    }
+
     void category_ownOne_isOneForTheProcess()
     {
         QCOMPARE(&PARKOMAT_PLUGIN_LOG(), &PARKOMAT_PLUGIN_LOG());

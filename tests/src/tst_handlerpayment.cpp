@@ -29,6 +29,7 @@ public:
     explicit Terminal(const QStringList &faults = {}) : m_service(withFaults(faults))
     {
         HandlerBench::useService(m_service.port());
+        TerminalAppSettings().setAutoCloseMessagesAfter(600);
         ParkomatSettings settings;
         settings.setTermId(QStringLiteral("4224"));
         settings.setParkingId(QStringLiteral("12"));

@@ -6,21 +6,23 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QTest>
 #include <QTimer>
 
 #include <algorithm>
 #include <functional>
 
-/// Lets events happen until the condition holds, for half a minute at most.
+/// Lets events happen until the condition holds.
+/// @param limitMs when to give it up: far more than it takes on a busy machine.
 template <typename Condition>
-void waitUntil(const Condition &condition)
+void waitUntil(const Condition &condition, int limitMs = 60'000)
 {
     // Some conditions are met without an event here: a thread ends, a descriptor is closed.
     constexpr int lookEveryMs = 5;
     QTimer tick;
     tick.start(lookEveryMs);
-    const QDeadlineTimer limit(30'000);
+    const QDeadlineTimer limit(limitMs);
     while (!condition() && !limit.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -44,6 +46,29 @@ inline void letPass(int ms)
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 }
+
+/// When a signal came for the first time. Bounds on it hold however slow the machine is: what is late is never early.
+class Arrival
+{
+public:
+    template <typename Sender, typename Signal>
+    Arrival(const Sender *sender, Signal signal)
+    {
+        m_since.start();
+        QObject::connect(sender, signal, &m_context, [this] {
+            if (m_ms < 0)
+                m_ms = m_since.elapsed();
+        });
+    }
+
+    /// Milliseconds since this object was made; -1: it has not come.
+    [[nodiscard]] qint64 ms() const { return m_ms; }
+
+private:
+    QElapsedTimer m_since;
+    QObject m_context;
+    qint64 m_ms = -1;
+};
 
 /// Does one thing after another, each once its condition holds, while the code under test runs an event loop of its
 /// own. Each is done in an event pass of its own: where the code under test leaves its loop, the rest stays undone.

@@ -42,7 +42,7 @@ QString PluginFile::mistake(const QString &path)
         return QStringLiteral("Нет такого файла плагина");
     const QString interfaceId = describe(path).interfaceId;
     if (interfaceId.isEmpty())
-        return QStringLiteral("Файл не является плагином Qt: ") + QPluginLoader(path).errorString();
+        return QStringLiteral("Файл не является плагином Qt");
     if (interfaceId != QLatin1String(PAY_BY_PROVIDER_IID))
         return QStringLiteral("Это плагин другого интерфейса; нужен ") + QLatin1String(PAY_BY_PROVIDER_IID);
     return {};

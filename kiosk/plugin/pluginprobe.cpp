@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/pluginprobe.h"
 
+#include "kiosklog.h"
 #include "plugin/pluginhost.h"
 
 #include <QFile>
@@ -16,22 +17,15 @@ namespace {
 // with no reason behind it.
 const char REPORT[] = "plugin-probe: ";
 
-QString lastLine(const QByteArray &errors)
-{
-    return QString::fromLocal8Bit(errors.trimmed().split('\n').last());
-}
-
 /// How a child that reported nothing ended.
-QString deathOf(const QProcess &process, const QByteArray &errors)
+QString deathOf(const QProcess &process)
 {
     const QString how = process.exitStatus() == QProcess::CrashExit
                             ? QStringLiteral("сигнал %1, %2")
                                   .arg(process.exitCode())
                                   .arg(QString::fromLocal8Bit(strsignal(process.exitCode())))
                             : QStringLiteral("код %1").arg(process.exitCode());
-    const QString words = lastLine(errors);
-    return QStringLiteral("Плагин завершил программу при загрузке (%1)").arg(how) +
-           (words.isEmpty() ? QString() : QStringLiteral(": ") + words);
+    return QStringLiteral("Плагин завершил программу при загрузке (%1)").arg(how);
 }
 } // namespace
 
@@ -56,7 +50,8 @@ QString PluginProbe::run(const QString &pluginFile) const
         if (line.startsWith(REPORT))
             return QString::fromUtf8(line.mid(static_cast<int>(std::strlen(REPORT))));
     }
-    return deathOf(process, process.readAllStandardError());
+    qCInfo(KIOSK_LOG).noquote() << "the plugin's last words:" << process.readAllStandardError();
+    return deathOf(process);
 }
 
 int PluginProbe::runInChild(const QString &pluginFile)

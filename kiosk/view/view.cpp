@@ -117,7 +117,9 @@ QString View::text() const
         if (!text.isEmpty())
             lines.append(text);
     }
-    return lines.join(QLatin1Char('\n'));
+    // Where a long word may break: nobody sees it.
+    constexpr char16_t zeroWidthSpace = 0x200b;
+    return lines.join(QLatin1Char('\n')).remove(QChar(zeroWidthSpace));
 }
 
 QStringList View::buttons() const

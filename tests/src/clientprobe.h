@@ -56,6 +56,11 @@ private:
     QStringList m_seen;
 };
 
+inline QNetworkAccessManager *managerOf(const ParkomatAccessManager &client)
+{
+    return client.findChild<QNetworkAccessManager *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
 /// Lets the settings name a service on this machine.
 inline void useService(quint16 port, const QString &path = QStringLiteral("api"))
 {

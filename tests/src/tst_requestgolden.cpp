@@ -11,9 +11,6 @@
 #include "support/testclock.h"
 #include "support/zone.h"
 
-#include <QFile>
-#include <QRegularExpression>
-
 #include <limits>
 #include <optional>
 
@@ -400,125 +397,6 @@ private:
              QStringLiteral("full")});
     }
 
-    static void broken(const QByteArray &rule, const char *schema, const QByteArray &from, const QByteArray &to,
-                       const QByteArray &breach)
-    {
-        QTest::newRow(QByteArray(schema + QByteArray(": ") + rule).constData())
-            << QString::fromUtf8(schema) << QString::fromUtf8(from) << QString::fromUtf8(to)
-            << QString::fromUtf8(breach);
-    }
-
-    static void addBrokenHeaders(const char *schema)
-    {
-        const auto breaks = [schema](const char *rule, const char *from, const char *to, const char *breach) {
-            broken(rule, schema, from, to, breach);
-        };
-        breaks("root of another name", "Request", "Requests", "'Requests': No matching global declaration");
-        breaks("root in a namespace", "<Request ", "<Request xmlns='urn:x' ", "No matching global declaration");
-        breaks("RecordVersion missing", " RecordVersion=\"2\"", "", "'RecordVersion' is required but missing");
-        breaks("RecordVersion other", "RecordVersion=\"2\"", "RecordVersion=\"3\"", "'RecordVersion': The value '3'");
-        breaks("NumRequest missing", " NumRequest=\"1\"", "", "'NumRequest' is required but missing");
-        breaks("NumRequest other", "NumRequest=\"1\"", "NumRequest=\"2\"", "'NumRequest': The value '2'");
-        breaks("Operation missing", " Operation=\"%OPERATION%\"", "", "'Operation' is required but missing");
-        breaks("Operation in lower case", "\"Park", "\"park", "'Operation': The value 'park");
-        breaks("attribute unknown", "<Request ", "<Request Mode=\"x\" ", "'Mode' is not allowed");
-        breaks("text between the elements", "<PartnerId>", "x<PartnerId>", "Character content");
-        breaks("element unknown", "<PartnerId>", "<Mode/><PartnerId>", "'Mode': This element is not expected");
-        breaks("PartnerId missing", "<PartnerId>north</PartnerId>", "", "Expected is ( PartnerId )");
-        breaks("PartnerId twice", "<PartnerId>", "<PartnerId/><PartnerId>", "Expected is ( ParkingId )");
-        breaks("PartnerId with an element inside", ">north<", "><b/><", "Element content is not allowed");
-        breaks("ParkingId missing", "<ParkingId>12</ParkingId>", "", "Expected is ( ParkingId )");
-        breaks("ParkingId before PartnerId", "<PartnerId>", "<ParkingId>1</ParkingId><PartnerId>",
-               "Expected is ( PartnerId )");
-        breaks("TermId missing", "<TermId>0042</TermId>", "", "Expected is ( TermId )");
-        breaks("SessionId missing", "<SessionId>004224140509067001</SessionId>", "", "Expected is ( SessionId )");
-        breaks("SessionId empty", "004224140509067001", "", "'SessionId'");
-        breaks("SessionId too short", "004224140509067001", "24140509067001", "'SessionId'");
-        breaks("SessionId with a short term id", "004224140509067001", "4224140509067001", "'SessionId'");
-        breaks("SessionId with a letter at its end", "004224140509067001", "00422414050906700A", "'SessionId'");
-        breaks("SessionId at hour 24", "004224140509067001", "004224240509067001", "'SessionId'");
-        breaks("SessionId at minute 60", "004224140509067001", "004224146009067001", "'SessionId'");
-        breaks("SessionId at second 60", "004224140509067001", "004224140560067001", "'SessionId'");
-        breaks("SessionId on day 370", "004224140509067001", "004224140509370001", "'SessionId'");
-        breaks("SessionId with a line break behind", "004224140509067001", "004224140509067001&#10;", "'SessionId'");
-        breaks("CardUid missing", "<CardUid>78563412</CardUid>", "", "Expected is ( CardUid )");
-        breaks("CardUid empty", "78563412", "", "'CardUid'");
-        breaks("CardUid of seven digits", "78563412", "7856341", "'CardUid'");
-        breaks("CardUid of nine digits", "78563412", "785634120", "'CardUid'");
-        breaks("CardUid in lower case", "78563412", "7856341f", "'CardUid'");
-        breaks("CardUid no hexadecimal", "78563412", "7856341G", "'CardUid'");
-        breaks("CardUid with a blank", "78563412", " 78563412", "'CardUid'");
-        breaks("CardId missing", "<CardId>000123456</CardId>", "", "Expected is ( CardId )");
-        breaks("RequestTime missing", "<RequestTime>2024-03-07T14:05:09+03:00</RequestTime>", "", "RequestTime )");
-        addBrokenTimes(schema, "RequestTime", "2024-03-07T14:05:09+03:00");
-    }
-
-    static void addBrokenTimes(const char *schema, const char *element, const char *time)
-    {
-        const QList<QPair<const char *, const char *>> times = {
-            {"empty", ""},
-            {"offset alone", "+03:00"},
-            {"without a time", "2024-03-07"},
-            {"without a T", "2024-03-07 14:05:09+03:00"},
-            {"without seconds", "2024-03-07T14:05+03:00"},
-            {"with a fraction", "2024-03-07T14:05:09.5+03:00"},
-            {"in UTC by letter", "2024-03-07T14:05:09Z"},
-            {"offset without a colon", "2024-03-07T14:05:09+0300"},
-            {"offset by name", "2024-03-07T14:05:09UTC+03:00"},
-            {"month 13", "2024-13-07T14:05:09+03:00"},
-            {"29 February of a common year", "2023-02-29T14:05:09+03:00"},
-            {"hour 24", "2024-03-07T24:00:00+03:00"},
-            {"minute 60", "2024-03-07T14:60:09+03:00"},
-            {"offset of 15 hours", "2024-03-07T14:05:09+15:00"},
-            {"year of five digits", "12024-03-07T14:05:09+03:00"},
-            {"in German", "07.03.2024 14:05:09"}};
-        const QByteArray tag = element;
-        for (const auto &wrong : times)
-            broken(tag + ' ' + wrong.first, schema, '<' + tag + '>' + time, '<' + tag + '>' + wrong.second,
-                   '\'' + tag + '\'');
-    }
-
-    static void addBrokenPayments(const char *schema)
-    {
-        const auto breaks = [schema](const char *rule, const char *from, const char *to, const char *breach) {
-            broken(rule, schema, from, to, breach);
-        };
-        breaks("ResultCode present", " Operation", " ResultCode=\"0\" Operation", "'ResultCode' is not allowed");
-        breaks("Payments missing", "<Payments>%PAYMENT%</Payments>", "", "Expected is ( Payments )");
-        breaks("Payments empty", "%PAYMENT%", "", "Expected is ( Payment )");
-        breaks("Payment twice", "%PAYMENT%", "%PAYMENT%%PAYMENT%", "'Payment': This element is not expected");
-        breaks("Payments with an attribute", "<Payments>", "<Payments Count=\"1\">", "'Count' is not allowed");
-        breaks("Payment before the header", "<PartnerId>", "<Payments/><PartnerId>", "Expected is ( PartnerId )");
-        breaks("Uin missing", "<Uin>1187</Uin>", "", "Expected is ( Uin )");
-        breaks("Uin empty", ">1187<", "><", "'Uin'");
-        breaks("Uin no number", ">1187<", ">x<", "'Uin'");
-        breaks("Uin with a leading zero", ">1187<", ">01187<", "'Uin'");
-        breaks("Uin beyond 64 bits", ">1187<", ">9223372036854775808<", "'Uin'");
-        breaks("DateTime missing", "<DateTime>2024-03-07T14:06:41+03:00</DateTime>", "", "Expected is ( DateTime )");
-        addBrokenTimes(schema, "DateTime", "2024-03-07T14:06:41+03:00");
-        breaks("Amount missing", "<Amount>15000</Amount>", "", "Expected is ( Amount )");
-        breaks("Amount empty", ">15000<", "><", "'Amount'");
-        breaks("Amount with decimals", ">15000<", ">150.00<", "'Amount'");
-        breaks("Amount with a plus sign", ">15000<", ">+15000<", "'Amount'");
-        breaks("Amount minus zero", ">15000<", ">-0<", "'Amount'");
-        breaks("Amount beyond 64 bits", ">15000<", ">-9223372036854775809<", "'Amount'");
-        breaks("Type missing", "<Type>full</Type>", "", "Expected is ( Type )");
-        breaks("Type empty", ">full<", "><", "'Type'");
-        breaks("Type in upper case", ">full<", ">FULL<", "'Type'");
-        breaks("Type with a blank", ">full<", ">full <", "'Type'");
-        breaks("Type other", ">full<", ">whole<", "'Type'");
-    }
-
-    /// Lines and indents removed, so that rows can name what they replace.
-    static QString goldenInOneLine(const QString &name)
-    {
-        QFile file(QStringLiteral(TEST_DATA "/requests/") + name);
-        if (!file.open(QIODevice::ReadOnly))
-            return QString();
-        QString text = QString::fromUtf8(file.readAll());
-        return text.remove(QRegularExpression(QStringLiteral("\n *")));
-    }
-
     /// Two files without a record are two lines; nothing else is worth one.
     static void checkLog(const Situation &situation)
     {
@@ -609,44 +487,6 @@ private Q_SLOTS:
                 changed.append(first.at(i).first);
         }
         QCOMPARE(changed, QStringList({QStringLiteral("Request/SessionId"), QStringLiteral("Request/RequestTime")}));
-    }
-
-    void schema_documentBreakingOneRule_doesNotHold_data()
-    {
-        QTest::addColumn<QString>("schemaName");
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::addColumn<QString>("breach");
-        addBrokenHeaders("parkingcheck");
-        broken("ResultCode missing", "parkingcheck", " ResultCode=\"0\"", "", "'ResultCode' is required but missing");
-        broken("ResultCode other", "parkingcheck", "ResultCode=\"0\"", "ResultCode=\"1\"",
-               "'ResultCode': The value '1'");
-        broken("Payments present", "parkingcheck", "</Request>", "<Payments/></Request>", "'Payments': This element");
-        addBrokenHeaders("parkinfopay");
-        addBrokenPayments("parkinfopay");
-    }
-
-    void schema_documentBreakingOneRule_doesNotHold()
-    {
-        QFETCH(const QString, schemaName);
-        QFETCH(QString, from);
-        QFETCH(QString, to);
-        QFETCH(const QString, breach);
-        const QString good = goldenInOneLine(schemaName + QStringLiteral("-moscow.xml"));
-        const SecondParser::Schema schema(QStringLiteral("request-%1.xsd").arg(schemaName));
-        QCOMPARE(schema.breaches(SecondParser::Document(good.toUtf8())), QStringList());
-
-        const QString payment =
-            good.section(QStringLiteral("<Payments>"), 1).section(QStringLiteral("</Payments>"), 0, 0);
-        const QString operation = good.section(QLatin1Char('"'), 7, 7);
-        for (QString *text : {&from, &to}) {
-            text->replace(QStringLiteral("%PAYMENT%"), payment);
-            text->replace(QStringLiteral("%OPERATION%"), operation);
-        }
-        const SecondParser::Document bad(QString(good).replace(from, to).toUtf8());
-        QVERIFY(bad.isWellFormed());
-        const QString found = schema.breaches(bad).join(QLatin1Char('\n'));
-        QVERIFY2(found.contains(breach), qPrintable(found));
     }
 };
 

@@ -33,7 +33,8 @@ std::unique_ptr<QProcess> ChildProcess::start(const char *name, const QStringLis
 
 int ChildProcess::finish(QProcess &process)
 {
-    constexpr int limit = 30'000;
+    // What some do takes a second on a machine of one's own, and minutes on a busy one.
+    constexpr int limit = 240'000;
     return process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 

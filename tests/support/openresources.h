@@ -16,7 +16,7 @@ public:
 
     /// What has come since and is there now, by name: "descriptor 7 socket:[4711]", "thread 815".
     [[nodiscard]] QStringList added() const;
-    /// What has come since and does not go in half a minute, while events happen: empty when nothing was left behind.
+    /// What has come since and does not go while events happen, for a minute: empty when nothing was left behind.
     [[nodiscard]] QStringList left() const;
 
 private:

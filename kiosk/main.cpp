@@ -72,6 +72,22 @@ QString pluginPath(const Arguments &arguments)
                : arguments.pluginFile;
 }
 
+/// Tells each step on the standard output, and what the customer sees behind it where that is something else.
+void narrate(const Player &player)
+{
+    QObject::connect(&player, &Player::stepHeld, &player,
+                     [before = QString()](int number, const QString &caption, const QString &screen,
+                                          const QString &text) mutable {
+                         QTextStream out(stdout);
+                         out << QStringLiteral("%1  %2\n").arg(number, 3).arg(caption);
+                         QString seen = screen + QStringLiteral(": ") + text;
+                         seen.replace(QLatin1Char('\n'), QStringLiteral(" | "));
+                         if (seen != before)
+                             out << QStringLiteral("     sees ") << seen << '\n';
+                         before = seen;
+                     });
+}
+
 /// Ends the program when the terminal is ready for it and the scenario, if there is one, is through.
 int runUntilQuit(Terminal &terminal, Player *player)
 {
@@ -94,6 +110,7 @@ int runUntilQuit(Terminal &terminal, Player *player)
             status = failure.isEmpty() ? Held : fail(Failed, {failure});
             terminal.quit();
         });
+        narrate(*player);
         player->start();
     }
     return QCoreApplication::exec();

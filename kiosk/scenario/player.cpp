@@ -3,10 +3,11 @@
 #include "scenario/player.h"
 
 #include "kiosklog.h"
+#include "view/view.h"
 
 namespace kiosk {
 Player::Player(const Scenario &scenario, const Stage &stage, QObject *parent)
-    : QObject(parent), m_scenario(scenario), m_runner(stage)
+    : QObject(parent), m_scenario(scenario), m_stage(stage), m_runner(stage)
 {
     connect(&m_runner, &StepRunner::finished, this, &Player::takeResult);
 }
@@ -31,11 +32,13 @@ void Player::runNext()
 
 void Player::takeResult(const QString &failure)
 {
+    const Step &step = m_scenario.steps.at(m_next - 1);
     if (failure.isEmpty()) {
+        const View view(m_stage.terminal, m_stage.window);
+        Q_EMIT stepHeld(m_next, step.caption, view.screen(), view.text());
         start();
         return;
     }
-    const Step &step = m_scenario.steps.at(m_next - 1);
     Q_EMIT finished(
         QStringLiteral("%1:%2: step %3 (%4): %5")
             .arg(m_scenario.path, QString::number(step.line), QString::number(m_next), step.caption, failure));

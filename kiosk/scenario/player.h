@@ -18,6 +18,8 @@ public:
     void start();
 
 Q_SIGNALS:
+    /// @param number of the step, from 1. @param screen, @param text what the customer has before him then, see View.
+    void stepHeld(int number, const QString &caption, const QString &screen, const QString &text);
     /// @param failure which step failed, what was expected and what was there; empty: every step held.
     void finished(const QString &failure);
 
@@ -26,6 +28,7 @@ private:
     void takeResult(const QString &failure);
 
     Scenario m_scenario;
+    Stage m_stage;
     StepRunner m_runner;
     int m_next = 0;
 };

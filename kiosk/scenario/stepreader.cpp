@@ -195,6 +195,15 @@ void readValue(const Syntax &syntax, const YAML::Node &verb, const YAML::Node &v
     else if (syntax.read != nullptr)
         syntax.read(reader, step)(value);
 }
+
+QString onOneLine(const YAML::Node &node)
+{
+    YAML::Emitter text;
+    text.SetSeqFormat(YAML::Flow);
+    text.SetMapFormat(YAML::Flow);
+    text << node;
+    return QString::fromUtf8(text.c_str());
+}
 } // namespace
 
 Step readStep(const YAML::Node &node, YamlReader &reader)
@@ -217,7 +226,7 @@ Step readStep(const YAML::Node &node, YamlReader &reader)
         return step;
     }
     step.verb = syntax->meaning;
-    step.caption = isPair && value.IsScalar() ? name + QStringLiteral(": ") + scalarText(value) : name;
+    step.caption = isPair ? name + QStringLiteral(": ") + onOneLine(value) : name;
     readValue(*syntax, verb, value, reader, step);
     return step;
 }

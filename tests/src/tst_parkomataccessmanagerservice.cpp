@@ -19,6 +19,7 @@ ParkomatCardData card(const QString &uid)
 
 const QString DEMO_CARD = QStringLiteral("305419896");
 const QString BLOCKED_CARD = QStringLiteral("268435460");
+const char UNKNOWN[] = "error -1 Unknown response";
 
 ParkInfoPayRequest payment(const QString &uid, qint64 hundredths)
 {
@@ -57,6 +58,14 @@ private:
         for (const QString &each : probe.seen())
             seen.append(withoutSession(each));
         return seen;
+    }
+
+    /// @param expected the one signal, or how it begins.
+    static void verifySeen(const QStringList &all, const QString &expected)
+    {
+        QCOMPARE(all.size(), 1);
+        QVERIFY2(all.constFirst() == expected || all.constFirst().startsWith(expected + QLatin1Char(' ')),
+                 qPrintable(all.constFirst()));
     }
 
 private Q_SLOTS:
@@ -127,18 +136,31 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QString>("seen");
-        const QString unknown = QStringLiteral("error -1 Unknown response");
-        QTest::newRow("status 503") << QStringLiteral("any:status=503") << QStringLiteral("error 403");
-        QTest::newRow("status 404") << QStringLiteral("any:status=404") << QStringLiteral("error 203");
-        QTest::newRow("status 302") << QStringLiteral("any:status=302") << unknown;
-        QTest::newRow("empty") << QStringLiteral("any:empty") << unknown;
-        QTest::newRow("another operation") << QStringLiteral("any:operation=CloseShift") << unknown;
-        QTest::newRow("the other operation") << QStringLiteral("ParkingCheck:operation") << QStringLiteral("pay");
-        QTest::newRow("a result code") << QStringLiteral("any:result=7,Почему") << QStringLiteral("error 7 Почему");
-        QTest::newRow("windows-1251") << QStringLiteral("any:encoding=windows-1251") << QStringLiteral("check 150.00");
-        QTest::newRow("utf-16") << QStringLiteral("any:encoding=utf-16") << QStringLiteral("check 150.00");
-        QTest::newRow("a field left out") << QStringLiteral("any:missing=TotalCharge") << QStringLiteral("check 0.00");
-        QTest::newRow("late") << QStringLiteral("any:delay=50ms") << QStringLiteral("check 150.00");
+        const auto row = [](const char *name, const char *fault, const char *seen) {
+            QTest::newRow(name) << QString::fromUtf8(fault) << QString::fromUtf8(seen);
+        };
+        row("status 503", "any:status=503", "error 403");
+        row("status 404", "any:status=404", "error 203");
+        row("status 302", "any:status=302", UNKNOWN);
+        row("empty", "any:empty", UNKNOWN);
+        row("empty the next time", "any#2:empty", "check 150.00");
+        row("another operation", "any:operation=CloseShift", UNKNOWN);
+        row("the other operation", "ParkingCheck:operation", "pay");
+        row("a result code", "any:result=7,Почему", "error 7 Почему");
+        row("windows-1251", "any:encoding=windows-1251", "check 150.00");
+        row("utf-16", "any:encoding=utf-16", "check 150.00");
+        row("a field left out", "any:missing=TotalCharge", "check 0.00");
+        // Of two fields with one name the last one counts, whatever it says.
+        row("a field twice", "any:doubled=TotalCharge,1", "check 0.01");
+        row("a field twice, the last one no amount", "any:doubled=TotalCharge", "check 0.00");
+        row("a malformed amount", "any:malformed=TotalCharge", "check 0.00");
+        row("an amount with decimals", "any:malformed=TotalCharge,150.00", "check 0.00");
+        row("an empty amount", "any:malformed=TotalCharge,", "check 0.00");
+        row("a malformed time", "any:malformed=StartTime", "check 150.00");
+        row("a malformed result code", "any:malformed=ResultCode,one", "error 0");
+        row("another card", "any:card=10000007", "check 100.00");
+        row("a card that is not there", "any:card=ABCDEF01", "error 2 Карта не найдена");
+        row("late", "any:delay=50ms", "check 150.00");
     }
 
     void fault_ofTheService_givesOneSignal()
@@ -147,10 +169,46 @@ private Q_SLOTS:
         QFETCH(QString, seen);
         const CashService service({QStringLiteral("--fault"), fault});
         useService(service.port());
-        const QStringList all = exchange(ParkingCheckRequest(card(DEMO_CARD)));
-        QCOMPARE(all.size(), 1);
-        QVERIFY2(all.constFirst() == seen || all.constFirst().startsWith(seen + QLatin1Char(' ')),
-                 qPrintable(all.constFirst()));
+        verifySeen(exchange(ParkingCheckRequest(card(DEMO_CARD))), seen);
+    }
+
+    void fault_ofAPayment_isRegisteredOrNot_data()
+    {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("seen");
+        QTest::addColumn<int>("owed");
+        const auto row = [](const char *fault, const char *seen, int owed) {
+            QTest::newRow(fault) << QString::fromUtf8(fault) << QString::fromUtf8(seen) << owed;
+        };
+        constexpr int all = 15'000;
+        // What the client reports does not tell whether the service has the payment.
+        row("ParkInfoPay:empty", UNKNOWN, 0);
+        row("ParkInfoPay@before:empty", UNKNOWN, all);
+        row("ParkInfoPay@after:status=503", "error 403", 0);
+        row("ParkInfoPay@before:status=503", "error 403", all);
+        row("ParkInfoPay@after:result=7,Почему", "error 7 Почему", 0);
+        row("ParkInfoPay@before:result=7,Почему", "error 7 Почему", all);
+        row("ParkInfoPay@before:malformed=ResultCode,one", "error 0", all);
+        row("ParkInfoPay@before:operation=CloseShift", UNKNOWN, all);
+        row("ParkInfoPay@before:encoding=utf-16", "pay", all);
+        row("ParkInfoPay@before:delay=50ms", "pay", 0);
+        row("ParkInfoPay:doubled=SessionId,x", "pay", 0);
+        row("ParkInfoPay:malformed=AnswerTime", "pay", 0);
+        row("ParkInfoPay:card=10000007", "pay", 0);
+        row("ParkInfoPay#2@before:empty", "pay", 0);
+        row("ParkingCheck@before:empty", "pay", 0);
+    }
+
+    void fault_ofAPayment_isRegisteredOrNot()
+    {
+        QFETCH(QString, fault);
+        QFETCH(QString, seen);
+        QFETCH(int, owed);
+        const CashService service({QStringLiteral("--fault"), fault});
+        useService(service.port());
+        verifySeen(exchange(payment(DEMO_CARD, 15'000)), seen);
+        QCOMPARE(service.owed(QStringLiteral("12345678")), owed);
+        QCOMPARE(service.payments().size(), owed == 0 ? 1 : 0);
     }
 };
 

@@ -18,8 +18,9 @@ bool DoubleTapGuard::eventFilter(QObject *watched, QEvent *event)
     const QEvent::Type type = event->type();
     const bool isTap = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
     // The window behind the widgets gets each event too, and a press before each double click.
-    if (!watched->isWidgetType() || (!isTap && type != QEvent::KeyPress))
+    const auto *widget = qobject_cast<const QWidget *>(watched);
+    if (widget == nullptr || (!isTap && type != QEvent::KeyPress))
         return false;
     qApp->removeEventFilter(this);
-    return type == QEvent::MouseButtonDblClick && m_viewer->isAncestorOf(static_cast<QWidget *>(watched));
+    return type == QEvent::MouseButtonDblClick && m_viewer->isAncestorOf(widget);
 }

@@ -156,7 +156,7 @@ void FormViewer::layOut(QWidget *view)
 bool FormViewer::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ShowToParent && watched != m_current)
-        setCurrent(static_cast<QWidget *>(watched));
+        setCurrent(qobject_cast<QWidget *>(watched));
     else if (event->type() == QEvent::HideToParent && watched == m_current)
         setCurrent(nullptr);
     return false;
@@ -169,7 +169,7 @@ void FormViewer::childEvent(QChildEvent *event)
         return;
     // Given to somebody else, or deleted: then no pointer to it is left.
     if (isView(event->child())) {
-        removeView(static_cast<QWidget *>(event->child()));
+        removeView(qobject_cast<QWidget *>(event->child()));
         return;
     }
     const auto gone = std::remove_if(m_views.begin(), m_views.end(), [](const View &view) { return !view.widget; });

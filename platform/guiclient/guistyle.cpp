@@ -18,7 +18,7 @@ FormViewer #errorMark {
 
 FormViewer QPushButton {
     color: #0b4a8a; background: #ffffff; border: 3px solid #0b4a8a; border-radius: 14px;
-    font-family: "DejaVu Sans"; font-size: 34px; font-weight: bold; min-height: 84px; padding: 0px 24px;
+    font-family: "DejaVu Sans"; font-size: 34px; font-weight: bold; min-height: 76px; padding: 8px 24px;
 }
 FormViewer QPushButton:pressed { background: #cfe0f2; }
 FormViewer #okButton, FormViewer #nextButton { color: #ffffff; background: #0b4a8a; }
@@ -31,7 +31,7 @@ FormViewer #inputLine {
     font-family: "DejaVu Sans Mono"; font-size: 52px; font-weight: bold; min-height: 78px; padding: 0px 20px;
     selection-color: #ffffff; selection-background-color: #0b4a8a;
 }
-FormViewer #backButton, FormViewer #nextButton { min-height: 72px; }
+FormViewer #backButton, FormViewer #nextButton { min-height: 72px; padding: 0px 24px; }
 FormViewer OnScreenKeyboard QPushButton {
     color: #14202c; border: 2px solid #7b8a99; font-size: 36px; min-height: 62px; padding: 0px;
 }

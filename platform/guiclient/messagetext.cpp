@@ -73,7 +73,8 @@ QSize MessageText::sizeHint() const
 
 QSize MessageText::minimumSizeHint() const
 {
-    return {2 * SCROLL_BAR_ROOM + SMALLEST_LETTERS, SMALLEST_LETTERS * 3 / 2};
+    // One line.
+    return {2 * SCROLL_BAR_ROOM + SMALLEST_LETTERS, SMALLEST_LETTERS * 6 / 5};
 }
 
 int MessageText::heightForWidth(int width) const
@@ -85,7 +86,8 @@ int MessageText::heightForWidth(int width) const
 
 void MessageText::paintEvent(QPaintEvent *event)
 {
-    QFrame::paintEvent(event);
+    // Not QLabel's, which would write the text its own way.
+    QFrame::paintEvent(event); // NOLINT(bugprone-parent-virtual-call)
     const QRect area = contentsRect();
     const int spare = area.height() - flow().height();
     int top = -m_offset;

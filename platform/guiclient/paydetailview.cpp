@@ -38,6 +38,7 @@ PayDetailView::PayDetailView(QWidget *parent)
     m_grid->setColumnStretch(1, 1);
     m_phone->setObjectName(QStringLiteral("phone"));
     m_phone->setAlignment(Qt::AlignCenter);
+    m_phone->setContentsMargins(0, 8, 0, 0);
     m_phone->hide();
     auto *caption = new QLabel(QStringLiteral("К оплате"));
     caption->setObjectName(QStringLiteral("sumDueCaption"));
@@ -46,12 +47,13 @@ PayDetailView::PayDetailView(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(32, 20, 32, 20);
     layout->setSpacing(8);
-    layout->addStretch(1);
+    layout->addStretch();
     layout->addWidget(caption);
     layout->addWidget(m_sumDue);
     layout->addWidget(m_paidIn);
     layout->addSpacing(16);
-    layout->addWidget(new TouchScrollArea(m_parameters), 6);
+    layout->addWidget(new TouchScrollArea(m_parameters));
+    layout->addStretch();
     layout->addWidget(m_phone);
 }
 

@@ -10,9 +10,23 @@ TouchScrollArea::TouchScrollArea(QWidget *content, QWidget *parent) : QScrollAre
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     setWidget(content);
     viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
+}
+
+QSize TouchScrollArea::sizeHint() const
+{
+    const int width = viewport()->width();
+    return {width, qMax(widget()->heightForWidth(width), widget()->minimumSizeHint().height())};
+}
+
+bool TouchScrollArea::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == widget() && event->type() == QEvent::LayoutRequest)
+        updateGeometry();
+    return QScrollArea::eventFilter(watched, event);
 }
 
 void TouchScrollArea::mousePressEvent(QMouseEvent *event)

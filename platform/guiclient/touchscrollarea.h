@@ -14,6 +14,11 @@ public:
     /// @param content as wide as the area.
     explicit TouchScrollArea(QWidget *content, QWidget *parent = nullptr);
 
+    /// As high as the content wants to be.
+    [[nodiscard]] QSize sizeHint() const override;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;

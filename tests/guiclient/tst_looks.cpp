@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QScrollArea>
+#include <QScrollBar>
 
 #include <cmath>
 
@@ -241,6 +242,9 @@ private Q_SLOTS:
                     faults.append(describe(part) + QStringLiteral(" overlaps ") + describe(other));
             }
         }
+        const auto bars = visibleParts<QScrollBar>(scene.viewer);
+        if (!view.startsWith(QLatin1String("long")) && !bars.isEmpty())
+            faults.append(QStringLiteral("scrolls where there is room"));
         if (!faults.isEmpty())
             QFAIL(qPrintable(faults.join(QLatin1Char('\n'))));
     }

@@ -263,6 +263,54 @@ private Q_SLOTS:
         MessageLog::drop();
     }
 
+    void destroyed_insideTheFirstOfSeveralSignals_reportsNoMore_data()
+    {
+        QTest::addColumn<RawAnswer>("others");
+        const QByteArray good = RawAnswer::http("200 OK", Answers::CHECK);
+        QTest::newRow("others not answered") << RawAnswer::held();
+        QTest::newRow("others half answered") << RawAnswer{good.chopped(5)};
+        QTest::newRow("others answered too") << RawAnswer{good};
+        QTest::newRow("others cut off") << RawAnswer{good.chopped(5), Then::Close};
+    }
+
+    void destroyed_insideTheFirstOfSeveralSignals_reportsNoMore()
+    {
+        QFETCH(RawAnswer, others);
+        constexpr int posts = 4;
+        RawServer server;
+        server.planForAll(RawAnswer::held());
+        useService(server.port());
+        const OpenResources before;
+        auto *client = new ParkomatAccessManager;
+        const QPointer<QNetworkAccessManager> manager(managerOf(*client));
+        // What is logged of an answer: by the parser once, by the client twice; of a failure, its code and text.
+        QList<int> logged;
+        const auto reported = [&](int lines) {
+            logged.append(lines);
+            delete client;
+        };
+        connect(client, &ParkomatAccessManager::parkingCheckResponse, this, [&] { reported(3); });
+        connect(client, &ParkomatAccessManager::error, this, [&] { reported(1); });
+        for (int i = 0; i < posts; ++i)
+            client->postData(QStringLiteral("ParkingCheck"), DOCUMENT);
+        QList<QPointer<QNetworkReply>> replies;
+        for (QNetworkReply *const reply : client->findChildren<QNetworkReply *>())
+            replies.append(reply);
+        QCOMPARE(replies.size(), posts);
+        WAIT_FOR(server.requests().size(), posts);
+        MessageLog::drop();
+        server.send(server.requests().at(0).connection, {RawAnswer::http("200 OK", Answers::CHECK)});
+        for (int i = 1; i < posts; ++i)
+            server.send(server.requests().at(i).connection, others);
+        WAIT_FOR(manager.isNull(), true);
+        QCOMPARE(replies.count(nullptr), posts);
+        WAIT_FOR(server.openConnections(), 0);
+        QCOMPARE(before.left(), QStringList());
+        QCOMPARE(logged.size(), 1);
+        QCOMPARE(MessageLog::take().size(), logged.constFirst());
+        QCOMPARE(server.complaint(), QString());
+    }
+
     void signal_withAnEventLoopInside_letsTheNextReplyThrough()
     {
         RawServer server;

@@ -8,5 +8,9 @@
 /// nothing while the category is switched off.
 inline const QLoggingCategory &DEFAULT_LOG()
 {
-    return *QLoggingCategory::defaultCategory();
+    if (const QLoggingCategory *category = QLoggingCategory::defaultCategory())
+        return *category;
+    // Qt's own is gone at the very end of a process, where Qt destroys plugins that their host kept.
+    static const QLoggingCategory last("default");
+    return last;
 }

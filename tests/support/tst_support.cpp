@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
 #include "support/golden.h"
+#include "support/livingobjects.h"
 #include "support/testcase.h"
 #include "support/testclock.h"
 #include "support/workdirectory.h"
@@ -106,6 +107,17 @@ private Q_SLOTS:
         const auto child = ChildProcess::start("makesAFile");
         QCOMPARE(ChildProcess::finish(*child), 0);
         QVERIFY(QFile::exists(WorkDirectory::path() + QStringLiteral("/made-by-child")));
+    }
+
+    void objects_madeAndDestroyed_areCounted()
+    {
+        const LivingObjects objects;
+        auto parent = std::make_unique<QObject>();
+        new QTimer(parent.get());
+        QCOMPARE(objects.classes(), QStringList({QStringLiteral("QObject"), QStringLiteral("QTimer")}));
+        QCOMPARE(objects.count(), 2);
+        parent.reset();
+        QCOMPARE(objects.count(), 0);
     }
 
     void golden_differentText_isReportedAsADiff()

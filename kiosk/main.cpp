@@ -16,6 +16,7 @@
 #include "scenario/servicefaults.h"
 #include "signalwatch.h"
 #include "terminal.h"
+#include "window/bench/benchpanel.h"
 #include "window/kioskwindow.h"
 #include "workdirlock.h"
 
@@ -75,17 +76,17 @@ QString pluginPath(const Arguments &arguments)
 /// Tells each step on the standard output, and what the customer sees behind it where that is something else.
 void narrate(const Player &player)
 {
-    QObject::connect(&player, &Player::stepHeld, &player,
-                     [before = QString()](int number, const QString &caption, const QString &screen,
-                                          const QString &text) mutable {
-                         QTextStream out(stdout);
-                         out << QStringLiteral("%1  %2\n").arg(number, 3).arg(caption);
-                         QString seen = screen + QStringLiteral(": ") + text;
-                         seen.replace(QLatin1Char('\n'), QStringLiteral(" | "));
-                         if (seen != before)
-                             out << QStringLiteral("     sees ") << seen << '\n';
-                         before = seen;
-                     });
+    QObject::connect(
+        &player, &Player::stepHeld, &player,
+        [before = QString()](int number, const QString &caption, const QString &screen, const QString &text) mutable {
+            QTextStream out(stdout);
+            out << QStringLiteral("%1  %2\n").arg(number, 3).arg(caption);
+            QString seen = screen + QStringLiteral(": ") + text;
+            seen.replace(QLatin1Char('\n'), QStringLiteral(" | "));
+            if (seen != before)
+                out << QStringLiteral("     sees ") << seen << '\n';
+            before = seen;
+        });
 }
 
 /// Ends the program when the terminal is ready for it and the scenario, if there is one, is through.
@@ -139,6 +140,12 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     if (!arguments.bench.isEmpty())
         faults.emplace(arguments.bench);
     const Stage stage = {terminal, window, faults ? &*faults : nullptr, arguments.shotsDir};
+    std::optional<BenchPanel> panel;
+    if (!arguments.bench.isEmpty() && !scenario && QGuiApplication::platformName() != QLatin1String("offscreen")) {
+        panel.emplace(stage, arguments.bench);
+        panel->move(window.frameGeometry().topRight() + QPoint(1, 0));
+        panel->show();
+    }
     ControlServer control(stage);
     const QString reason = control.listen(controlSocket(InitConfig::workDir()));
     if (!reason.isEmpty())

@@ -38,8 +38,10 @@ BrokenScreen::BrokenScreen(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(56, 24, 56, 24);
     layout->setSpacing(20);
+    layout->addStretch(1);
     layout->addLayout(heading);
-    layout->addWidget(new TurningBox(customer, 1, engineer, 2), 1);
+    layout->addWidget(new TurningBox(customer, 1, engineer, 2));
+    layout->addStretch(2);
 }
 
 void BrokenScreen::setFailure(const QString &reason, const PluginIdentity &plugin, const TrelmInfo &terminal)

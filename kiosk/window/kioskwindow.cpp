@@ -6,12 +6,14 @@
 #include "window/brokenscreen.h"
 #include "window/headerbar.h"
 #include "window/idlescreen.h"
+#include "window/look.h"
 #include "window/outcometext.h"
 #include "window/paymentscreen.h"
 #include "window/receiptscreen.h"
 #include "window/screens.h"
 #include "window/servicescreen.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QVBoxLayout>
 
@@ -19,6 +21,7 @@ namespace kiosk {
 KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
     : QWidget(parent), m_terminal(terminal), m_screens(new Screens(terminal.info()))
 {
+    Look::apply(*qApp);
     setWindowTitle(QStringLiteral("Оплата парковки"));
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -41,7 +41,7 @@ const char *outcomeRole(const LedgerEntry &entry)
 {
     if (entry.outcome == Outcome::Interrupted)
         return "outcomeBad";
-    return entry.outcome == Outcome::Confirmed ? "outcomeGood" : "outcomeDoubtful";
+    return OutcomeText::isSettled(entry) ? "outcomeGood" : "outcomeDoubtful";
 }
 
 QWidget *row(const LedgerEntry &entry, const Currency &currency)

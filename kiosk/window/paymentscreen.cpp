@@ -83,7 +83,7 @@ PaymentScreen::~PaymentScreen()
 
 void PaymentScreen::setForm(QWidget *form)
 {
-    if (form == m_form)
+    if (form == m_form && (form == nullptr || m_formPlace->indexOf(form) >= 0))
         return;
     releaseForm();
     m_form = form;

@@ -12,6 +12,19 @@
 #include <QStackedWidget>
 
 namespace kiosk {
+namespace {
+/// A page as high as it has to be, at the top of what it is shown in.
+QWidget *atTop(QWidget *page)
+{
+    auto *holder = new QWidget;
+    auto *layout = new QVBoxLayout(holder);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(page);
+    layout->addStretch(1);
+    return holder;
+}
+} // namespace
+
 ServiceScreen::ServiceScreen(QWidget *parent)
     : QWidget(parent), m_tabs(new QButtonGroup(this)), m_tabLayout(new QHBoxLayout), m_sections(new QStackedWidget),
       m_settings(new QScrollArea), m_payments(new LedgerList), m_plugin(new Facts), m_status(Parts::label({}, "hint")),
@@ -20,7 +33,7 @@ ServiceScreen::ServiceScreen(QWidget *parent)
     TouchScroll::prepare(*m_settings);
     auto *plugin = new QScrollArea;
     TouchScroll::prepare(*plugin);
-    plugin->setWidget(m_plugin);
+    plugin->setWidget(atTop(m_plugin));
     m_tabLayout->setSpacing(12);
     addSection(QStringLiteral("Настройки"), "settingsTab", m_settings);
     addSection(QStringLiteral("Платежи"), "paymentsTab", m_payments);
@@ -74,7 +87,7 @@ void ServiceScreen::open(QWidget *page, const PluginIdentity &plugin, const QVec
     if (page == nullptr)
         page = Parts::label(QStringLiteral("У плагина нет настроек."), "text");
     EditorNames::complete(*page);
-    m_settings->setWidget(page);
+    m_settings->setWidget(atTop(page));
     page->show();
     m_payments->setEntries(entries, currency);
     setIdentity(plugin);
@@ -85,8 +98,8 @@ void ServiceScreen::open(QWidget *page, const PluginIdentity &plugin, const QVec
 void ServiceScreen::leave()
 {
     // Without a parent it is hidden; the terminal deletes it.
-    if (m_page && m_settings->widget() == m_page)
-        m_settings->takeWidget()->setParent(nullptr);
+    if (m_page)
+        m_page->setParent(nullptr);
     m_page = nullptr;
 }
 

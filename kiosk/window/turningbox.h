@@ -8,12 +8,13 @@ class QBoxLayout;
 class QLayout;
 
 namespace kiosk {
-/// Two halves of a screen: side by side on a wide one, one below the other on an upright one.
+/// Two parts of a screen: side by side on a wide one, one below the other on an upright one.
 class TurningBox : public QWidget
 {
     Q_OBJECT
 
 public:
+    /// @param firstShare, @param secondShare of the width, where they are side by side.
     TurningBox(QLayout *first, int firstShare, QLayout *second, int secondShare, QWidget *parent = nullptr);
 
 protected:
@@ -21,5 +22,7 @@ protected:
 
 private:
     QBoxLayout *m_layout;
+    int m_firstShare;
+    int m_secondShare;
 };
 } // namespace kiosk

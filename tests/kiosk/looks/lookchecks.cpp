@@ -64,6 +64,13 @@ bool isControl(const QWidget &widget)
            qobject_cast<const QComboBox *>(&widget) != nullptr;
 }
 
+/// There is nothing to read on an empty input line.
+bool isBlank(const QWidget &widget)
+{
+    const auto *line = qobject_cast<const QLineEdit *>(&widget);
+    return line != nullptr && line->text().isEmpty() && line->placeholderText().isEmpty();
+}
+
 bool isText(const QWidget &widget)
 {
     const auto *label = qobject_cast<const QLabel *>(&widget);
@@ -206,7 +213,7 @@ QStringList paleTexts(QWidget &window, double ratio)
     for (const QWidget *part : parts) {
         const QRect inSight = place(*part, window);
         // What is scrolled half away is looked at when it is in sight.
-        if (inSight.size() != part->size())
+        if (inSight.size() != part->size() || isBlank(*part))
             continue;
         // Frames are no text.
         constexpr int frame = 4;

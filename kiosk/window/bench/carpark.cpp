@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "window/bench/carpark.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+
+namespace kiosk {
+namespace {
+ParkedCard card(const QJsonObject &session)
+{
+    ParkedCard made;
+    made.uid = session.value(QStringLiteral("uid")).toString();
+    made.note = session.value(QStringLiteral("note")).toString();
+    made.owed = FixNumber(100, static_cast<qint64>(session.value(QStringLiteral("owed")).toDouble()));
+    return made;
+}
+} // namespace
+
+QVariantMap ParkedCard::read() const
+{
+    const QString decimal = QString::number(uid.toUInt(nullptr, 16));
+    constexpr int digits = 10;
+    return {{QStringLiteral("id"), decimal},
+            {QStringLiteral("cardId"), decimal.rightJustified(digits, QLatin1Char('0'))},
+            {QStringLiteral("pdata"), QStringLiteral("01312211020202190000000100000000")}};
+}
+
+CarPark::CarPark(const QUrl &admin, QObject *parent) : QObject(parent), m_sessions(admin)
+{
+    const bool hasPath = admin.path().size() > 1;
+    m_sessions.setPath((hasPath ? admin.path() : QStringLiteral("/admin")) + QStringLiteral("/sessions"));
+    constexpr int patience = 30'000;
+    m_network.setTransferTimeout(patience);
+    // The service is on this machine, whatever proxy the system has.
+    m_network.setProxy(QNetworkProxy::NoProxy);
+}
+
+void CarPark::ask()
+{
+    const int number = ++m_asked;
+    QNetworkReply *reply = m_network.get(QNetworkRequest(m_sessions));
+    connect(reply, &QNetworkReply::finished, this, [this, reply, number] {
+        reply->deleteLater();
+        if (number == m_asked)
+            take(*reply);
+    });
+}
+
+void CarPark::take(QNetworkReply &reply)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(reply.readAll());
+    const QJsonValue sessions = document.object().value(QStringLiteral("sessions"));
+    if (reply.error() != QNetworkReply::NoError || !sessions.isArray()) {
+        Q_EMIT failed(reply.error() != QNetworkReply::NoError
+                          ? reply.errorString()
+                          : QStringLiteral("%1 names no sessions").arg(m_sessions.toString()));
+        return;
+    }
+    QVector<ParkedCard> cards;
+    const QJsonArray all = sessions.toArray();
+    for (const QJsonValue &session : all)
+        cards.append(card(session.toObject()));
+    Q_EMIT answered(cards);
+}
+} // namespace kiosk

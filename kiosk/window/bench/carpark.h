@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "extension/fixnumber.h"
+
+#include <QNetworkAccessManager>
+#include <QString>
+#include <QUrl>
+#include <QVariantMap>
+#include <QVector>
+
+namespace kiosk {
+/// A card that the cash service knows.
+struct ParkedCard
+{
+    /// As people write it: "12345678".
+    QString uid;
+    /// What the service says about it.
+    QString note;
+    FixNumber owed;
+
+    /// What a card reader reads of it: "id", "cardId" and "pdata".
+    [[nodiscard]] QVariantMap read() const;
+};
+
+/// Asks a cash service, over its admin interface, which cards are parked there and what they owe.
+class CarPark : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param admin "http://127.0.0.1:13006/admin"; the path may be left out.
+    explicit CarPark(const QUrl &admin, QObject *parent = nullptr);
+
+    /// Asks anew; one of the signals answers. An answer that is still out is not waited for any more.
+    void ask();
+
+Q_SIGNALS:
+    void answered(const QVector<ParkedCard> &cards);
+    /// @param reason for people.
+    void failed(const QString &reason);
+
+private:
+    void take(QNetworkReply &reply);
+
+    QUrl m_sessions;
+    QNetworkAccessManager m_network;
+    int m_asked = 0;
+};
+} // namespace kiosk

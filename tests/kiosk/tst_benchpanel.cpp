@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "window/bench/benchpanel.h"
+
+#include "kiosk/looks/lookchecks.h"
+#include "kiosk/looks/rendering.h"
+#include "kiosk/terminalbench.h"
+#include "scenario/servicefaults.h"
+#include "support/cashservice.h"
+#include "support/testcase.h"
+#include "window/bench/benchsteps.h"
+#include "window/look.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+
+using kiosk::BenchPanel;
+using kiosk::Outcome;
+using Screen = kiosk::Terminal::Screen;
+
+namespace {
+/// A terminal with the fake plugin, a cash service to break, and the panel beside them.
+class Desk
+{
+public:
+    Desk()
+        : m_faults(admin()),
+          m_stage(std::make_unique<BenchPanel>(kiosk::Stage{m_bench.terminal(), m_bench.window(), &m_faults, QString()},
+                                               admin()),
+                  QSize(800, 768))
+    {}
+
+    [[nodiscard]] TerminalBench &bench() { return m_bench; }
+    [[nodiscard]] CashService &service() { return m_service; }
+    [[nodiscard]] QWidget &panel() { return m_stage.widget(); }
+
+    /// @return null unless there is a button with that caption, or that first word.
+    [[nodiscard]] QPushButton *button(const QString &caption)
+    {
+        const auto buttons = panel().findChildren<QPushButton *>();
+        for (QPushButton *button : buttons) {
+            const QString &text = button->text();
+            if (button->isVisible() && (text == caption || text.section(QLatin1Char(' '), 0, 0) == caption))
+                return button;
+        }
+        return nullptr;
+    }
+    void touch(const QString &caption)
+    {
+        QPushButton *found = button(caption);
+        QVERIFY2(found != nullptr, qPrintable(caption));
+        QTest::mouseClick(found, Qt::LeftButton);
+    }
+    void type(const char *line, const QString &text)
+    {
+        panel().findChild<QLineEdit *>(QLatin1String(line))->setText(text);
+    }
+    [[nodiscard]] QString outcome() { return panel().findChild<QLabel *>(QStringLiteral("benchOutcome"))->text(); }
+
+private:
+    [[nodiscard]] QUrl admin() const { return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_service.port())); }
+
+    CashService m_service;
+    TerminalBench m_bench;
+    kiosk::ServiceFaults m_faults;
+    Rendering::Stage m_stage;
+};
+} // namespace
+
+class BenchPanelTest : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cards_ofTheCarPark_areThoseOfTheService()
+    {
+        Desk desk;
+        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        QCOMPARE(desk.button(QStringLiteral("12345678"))->text(),
+                 QStringLiteral("12345678 · 150.00\u00A0руб.\nthe demo's card: owes 150.00"));
+        const QStringList others = {QStringLiteral("10000000"), QStringLiteral("10000007"), QStringLiteral("10000009")};
+        for (const QString &uid : others)
+            QVERIFY2(desk.button(uid) != nullptr, qPrintable(uid));
+    }
+
+    void cards_withoutAService_sayWhy()
+    {
+        TerminalBench bench;
+        BenchPanel panel({bench.terminal(), bench.window()}, QUrl(QStringLiteral("http://127.0.0.1:1")));
+        const auto *outcome = panel.findChild<QLabel *>(QStringLiteral("benchOutcome"));
+        WAIT_FOR(outcome->text().isEmpty(), false);
+        QVERIFY2(outcome->text().contains(QLatin1String("refused")), qPrintable(outcome->text()));
+    }
+
+    void card_touched_isReadByTheTerminal()
+    {
+        Desk desk;
+        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        desk.touch(QStringLiteral("Начать"));
+        QCOMPARE(desk.bench()->screen(), Screen::Form);
+        Q_UNUSED(desk.bench().takeCalls());
+        desk.touch(QStringLiteral("12345678"));
+        QCOMPARE(desk.bench().takeCalls(), QStringList{QStringLiteral("card 305419896")});
+        QCOMPARE(desk.outcome(), QStringLiteral("12345678 · 150.00\u00A0руб.: сделано"));
+    }
+
+    void note_touched_isPaidIn_data()
+    {
+        QTest::addColumn<QString>("caption");
+        for (const kiosk::Step &note : kiosk::BenchSteps::notes())
+            QTest::newRow(qPrintable(note.caption)) << note.caption;
+    }
+
+    void note_touched_isPaidIn()
+    {
+        QFETCH(const QString, caption);
+        Desk desk;
+        desk.bench().showDetails();
+        desk.touch(caption);
+        QCOMPARE(desk.bench()->purchase().cash(), FixNumber(100, caption));
+    }
+
+    void note_thatTheTerminalRefuses_saysWhy()
+    {
+        Desk desk;
+        desk.touch(QStringLiteral("100"));
+        QVERIFY2(desk.outcome().startsWith(QLatin1String("100: ")), qPrintable(desk.outcome()));
+        QVERIFY(!desk.outcome().endsWith(QStringLiteral("сделано")));
+        MessageLog::drop();
+    }
+
+    void fault_ofEachButton_isOneThatTheServiceTakes_data()
+    {
+        QTest::addColumn<QString>("caption");
+        for (const kiosk::Step &fault : kiosk::BenchSteps::faults())
+            QTest::newRow(qPrintable(fault.caption)) << fault.caption;
+    }
+
+    void fault_ofEachButton_isOneThatTheServiceTakes()
+    {
+        QFETCH(const QString, caption);
+        Desk desk;
+        desk.touch(caption);
+        WAIT_FOR(desk.outcome(), caption + QStringLiteral(": сделано"));
+    }
+
+    void fault_typed_isSetOrRefused()
+    {
+        Desk desk;
+        desk.type("faultRule", QStringLiteral("ParkInfoPay#2:empty"));
+        desk.touch(QStringLiteral("Задать"));
+        WAIT_FOR(desk.outcome(), QStringLiteral("ParkInfoPay#2:empty: сделано"));
+        desk.type("faultRule", QStringLiteral("nonsense"));
+        desk.touch(QStringLiteral("Задать"));
+        WAIT_FOR(desk.outcome().startsWith(QLatin1String("nonsense: the cash service: ")), true);
+    }
+
+    void panel_ofItsSize_canBeUsed()
+    {
+        Desk desk;
+        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        Rendering::settle(desk.panel());
+        QCOMPARE(LookChecks::clipped(desk.panel()).join(QLatin1Char('\n')), QString());
+        QCOMPARE(LookChecks::overlapping(desk.panel()).join(QLatin1Char('\n')), QString());
+        QCOMPARE(LookChecks::nameless(desk.panel()).join(QLatin1Char('\n')), QString());
+        QCOMPARE(LookChecks::paleTexts(desk.panel(), 4.5).join(QLatin1Char('\n')), QString());
+    }
+};
+
+int main(int argc, char **argv)
+{
+    Rendering::prepareFonts();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    kiosk::Look::apply(application);
+    TEST_RUN(BenchPanelTest)
+}
+
+#include "tst_benchpanel.moc"

@@ -81,7 +81,7 @@ void runAPayment()
     bench.startWithScreen();
     bench.readCard(HandlerBench::demoCard());
     WAIT_FOR(bench.parameter(QStringLiteral("UIN")), QStringLiteral("uin-1"));
-    bench.commit({HandlerBench::payment(70'001, 10'000), HandlerBench::payment(70'002, 5'000)});
+    bench.commitAnswered({HandlerBench::payment(70'001, 10'000), HandlerBench::payment(70'002, 5'000)});
     QCOMPARE(service.complaint(), QString());
 }
 } // namespace

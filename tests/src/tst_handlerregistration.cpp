@@ -87,7 +87,7 @@ private Q_SLOTS:
         QFETCH(QString, type);
         QFETCH(int, mergeLines);
         const PaidBench paid;
-        paid.bench.commit(payments);
+        paid.bench.commitAnswered(payments);
         const QStringList lines = ::mergeLines();
         QCOMPARE(lines.size(), mergeLines);
         for (const QString &line : lines)
@@ -105,7 +105,7 @@ private Q_SLOTS:
         const PaidBench paid;
         Payment later(70'002, QDateTime(QDate(2024, 3, 8), QTime(1, 2, 3)), HandlerBench::PROVIDER_ID);
         later.setSumm(FixNumber(100, qint64(100)));
-        paid.bench.commit({HandlerBench::payment(70'001, 15'000), later});
+        paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000), later});
         QVERIFY2(paid.sent("DateTime").startsWith(QStringLiteral("2024-03-07T14:05:09")),
                  qPrintable(paid.sent("DateTime")));
     }
@@ -123,7 +123,8 @@ private Q_SLOTS:
         PaidBench paid;
         Provider other(18'157, QStringLiteral("Другой"));
         paid.handler.start(&other, Currency(), &paid.bench.session());
-        paid.bench.commit({HandlerBench::payment(70'001, 15'000), HandlerBench::payment(70'005, 4'000, 0, 18'157)});
+        paid.bench.commitAnswered(
+            {HandlerBench::payment(70'001, 15'000), HandlerBench::payment(70'005, 4'000, 0, 18'157)});
         QCOMPARE(paid.sent("Uin"), QStringLiteral("70005"));
         QCOMPARE(paid.sent("Amount"), QStringLiteral("4000"));
     }
@@ -159,7 +160,7 @@ private Q_SLOTS:
         paid.leaveCheck(
             {{QStringLiteral("cardData"), HandlerBench::card(QStringLiteral("4294967295"), QStringLiteral("2"))},
              {QStringLiteral("totalCharge"), QStringLiteral("150.00")}});
-        paid.bench.commit({HandlerBench::payment(70'001, 15'000)});
+        paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
         QCOMPARE(paid.sent("CardUid"), QStringLiteral("FFFFFFFF"));
         QCOMPARE(paid.sent("CardId"), QStringLiteral("2"));
     }
@@ -184,7 +185,7 @@ private Q_SLOTS:
         QFETCH(QString, type);
         const PaidBench paid;
         paid.leaveCheck(left);
-        paid.bench.commit({HandlerBench::payment(70'001, 15'000)});
+        paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
         QCOMPARE(paid.sent("CardUid"), QStringLiteral(""));
         QCOMPARE(paid.sent("CardId"), QStringLiteral(""));
         QCOMPARE(paid.sent("Amount"), QStringLiteral("15000"));
@@ -202,7 +203,7 @@ private Q_SLOTS:
         handler.start(&bench.provider(), Currency(), session.get());
         session.reset();
         service.plan(ScriptedService::pay());
-        bench.commit({HandlerBench::payment(70'001, 15'000)});
+        bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
         QCOMPARE(service.sent(0, QStringLiteral("CardUid")), QStringLiteral(""));
         QCOMPARE(service.complaint(), QString());
     }
@@ -211,8 +212,8 @@ private Q_SLOTS:
     {
         PaidBench paid;
         paid.service.plan(ScriptedService::pay());
-        paid.bench.commit({HandlerBench::payment(70'001, 4'000)});
-        paid.bench.commit({HandlerBench::payment(70'002, 11'000)});
+        paid.bench.commitAnswered({HandlerBench::payment(70'001, 4'000)});
+        paid.bench.commitAnswered({HandlerBench::payment(70'002, 11'000)});
         QCOMPARE(paid.service.requests(), 2);
         QCOMPARE(paid.service.sent(1, QStringLiteral("Uin")), QStringLiteral("70002"));
         // What the check left stays as it is.

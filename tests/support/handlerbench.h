@@ -103,6 +103,13 @@ public:
         m_plugin->doPaymentPredProcessing(m_session.get(), &pack);
     }
 
+    /// commit() with a service that confirms, without the second until the plugin looks for the answer.
+    void commitAnswered(const QList<Payment> &payments) const
+    {
+        const Meanwhile answered({{[this] { return topView().isEmpty(); }, [] { letPass(1'100); }}});
+        commit(payments);
+    }
+
     /// A card of the cash service's car park that owes 150.00.
     [[nodiscard]] static QVariantMap demoCard()
     {
@@ -226,8 +233,8 @@ public:
         return widget != nullptr && widget->isVisible() ? widget : nullptr;
     }
 
-    /// Whether the widget is there and cannot be seen.
-    [[nodiscard]] static bool isHidden(const QWidget *widget) { return widget != nullptr && !widget->isVisible(); }
+    /// Whether the widget is there and was hidden itself, not just with what it is in.
+    [[nodiscard]] static bool isHidden(const QWidget *widget) { return widget != nullptr && widget->isHidden(); }
 
     /// The form's signals since the last call, in order: "needCancel", "needTick", "needShowPayDetail".
     [[nodiscard]] QStringList takeSignals() { return std::exchange(m_signals, {}); }

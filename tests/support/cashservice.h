@@ -29,6 +29,9 @@ public:
         return bodies;
     }
 
+    /// How many requests there were, of whatever kind.
+    [[nodiscard]] int exchanges() const { return admin("requests").value(QStringLiteral("count")).toInt(); }
+
     /// The registered payments, in order: see "uin", "cardUid", "amount" (hundredths), "type" and "outcome".
     [[nodiscard]] QJsonArray payments() const { return admin("payments").value(QStringLiteral("payments")).toArray(); }
 

@@ -58,13 +58,14 @@ InputView::InputView(const ProviderParameter &parameter, const QString &provider
     setFocusProxy(m_line);
     auto *keyboard = new OnScreenKeyboard(type, this);
     connectKeyboard(keyboard);
-    connect(m_line, &InputLine::entered, this, &InputView::next);
+    const auto goOn = [this] { Q_EMIT next(m_line->text()); };
+    connect(m_line, &InputLine::entered, this, goOn);
     connect(m_line, &InputLine::escaped, this, &InputView::back);
 
     auto *backButton = makeButton("backButton", QStringLiteral("Назад"), this);
     auto *nextButton = makeButton("nextButton", QStringLiteral("Далее"), this);
     connect(backButton, &QPushButton::clicked, this, &InputView::back);
-    connect(nextButton, &QPushButton::clicked, this, &InputView::next);
+    connect(nextButton, &QPushButton::clicked, this, goOn);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(24);
     buttons->addWidget(backButton);
@@ -90,11 +91,6 @@ void InputView::connectKeyboard(const OnScreenKeyboard *keyboard)
     connect(keyboard, &OnScreenKeyboard::typed, m_line, &QLineEdit::insert);
     connect(keyboard, &OnScreenKeyboard::erased, m_line, &QLineEdit::backspace);
     connect(keyboard, &OnScreenKeyboard::cleared, m_line, &QLineEdit::clear);
-}
-
-QString InputView::text() const
-{
-    return m_line->text();
 }
 
 void InputView::hideText()

@@ -17,13 +17,12 @@ public:
     /// @param providerName, @param hint empty: left out.
     InputView(const ProviderParameter &parameter, const QString &providerName, const QString &hint, QWidget *parent);
 
-    [[nodiscard]] QString text() const;
     void hideText();
 
 Q_SIGNALS:
-    // Each is the last act of the touch or key; the receiver may delete the view, though not at once.
+    // Each is the last act of the touch or key: the receiver may delete the view.
     void back();
-    void next();
+    void next(const QString &text);
 
 private:
     void connectKeyboard(const OnScreenKeyboard *keyboard);

@@ -42,14 +42,8 @@ Q_SIGNALS:
     void needNext(const QString &text);
 
 private:
-    void back();
-    void next();
-    void removeView();
-
     QPointer<FormViewer> m_viewer;
     QString m_viewName;
     QString m_hint;
     QPointer<InputView> m_view;
-    /// A button or key of the view is on its way.
-    bool m_isViewBusy = false;
 };

@@ -452,6 +452,9 @@ private Q_SLOTS:
             QVERIFY(two->button->y() > two->line->geometry().bottom());
             viewer.hide();
             viewer.resize(viewer.width() + 100, viewer.height());
+            viewer.show();
+            QVERIFY(two->line->geometry().right() > viewer.width() - 50);
+            viewer.hide();
         }
         viewer.removeView(one);
         QVERIFY(one->layout()->isEnabled());

@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
@@ -290,6 +291,15 @@ private Q_SLOTS:
         QVERIFY(terminal.view()->isVisible());
         terminal.viewer.reset();
         terminal.controller->setParameter(QString(), Views::cardUid(), false);
+    }
+
+    void line_heldDown_opensNoMenu()
+    {
+        Terminal terminal;
+        terminal.controller->setParameter(QString(), Views::cardNumber(), false);
+        QContextMenuEvent held(QContextMenuEvent::Mouse, {10, 10}, terminal.line()->mapToGlobal({10, 10}));
+        QCoreApplication::sendEvent(terminal.line(), &held);
+        QVERIFY(QApplication::activePopupWidget() == nullptr);
     }
 
     void parameter_setAgain_replacesTheScreen()

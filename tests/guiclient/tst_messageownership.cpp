@@ -89,6 +89,20 @@ private Q_SLOTS:
         delete earlier;
     }
 
+    void earlierController_startedAgain_staysSilent()
+    {
+        const MessageForm form;
+        Controller earlier;
+        earlier.setUi(form.view);
+        Controller later;
+        later.setUi(form.view);
+        const MessageListener toEarlier(earlier);
+        earlier.initMessage(TEXT, 1, Controller::Error);
+        waitSeconds(2);
+        QCOMPARE(toEarlier.codes(), QList<int>());
+        QCOMPARE(toEarlier.ticks(), 0);
+    }
+
     void earlierController_givenTheViewAgain_ownsIt()
     {
         const MessageForm form;
@@ -276,6 +290,20 @@ private Q_SLOTS:
         Controller second;
         second.setUi(form.view);
         second.initMessage(TEXT, 30, Controller::Prompt);
+    }
+
+    void label_ofAnyView_wrapsAndTakesNoMarkup()
+    {
+        QWidget view;
+        auto *label = new QLabel(&view);
+        label->setObjectName(QStringLiteral("messageText"));
+        Controller controller;
+        controller.setUi(&view);
+        QCOMPARE(MessageLog::take().size(), 5);
+        controller.initMessage(QStringLiteral("<b>x</b>"), 0, Controller::Error);
+        QCOMPARE(label->text(), QStringLiteral("<b>x</b>"));
+        QCOMPARE(label->textFormat(), Qt::PlainText);
+        QVERIFY(label->wordWrap());
     }
 
     void view_bare_letsTheMessageRun()

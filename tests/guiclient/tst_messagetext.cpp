@@ -137,6 +137,16 @@ private Q_SLOTS:
         QVERIFY(inkedRows(bottom) > 0);
     }
 
+    void text_scrolledToItsEnd_staysThereWhenThereIsMoreRoom()
+    {
+        Sheet sheet(words(2000));
+        sheet.drag(300, -10000);
+        sheet.text.resize(800, 500);
+        Sheet larger(words(2000), {800, 500});
+        larger.drag(300, -10000);
+        QCOMPARE(sheet.picture(), larger.picture());
+    }
+
     void text_thatFits_doesNotScroll()
     {
         Sheet sheet(words(20));

@@ -473,9 +473,10 @@ void ParkomatPluginHandler::parkingCheckResponseHandler(const ParkingCheckRespon
 {
     release(m_messageController);
     m_lastCheckResponse = response;
+    const QPointer<ParkomatPluginHandler> self(this);
     fillProviderParameters();
-    // The timer dies with the form viewer it was armed for.
-    if (m_formViewer)
+    // Whoever follows the parameters may have ended it all. The timer dies with the form viewer it was armed for.
+    if (self && m_formViewer)
         QTimer::singleShot(DETAILS_DELAY, m_formViewer.data(), &PluginBaseFormViewer::needShowPayDetail);
 }
 

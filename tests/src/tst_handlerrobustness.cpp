@@ -16,7 +16,7 @@ constexpr int LATER_MS = 3'000;
 
 using Step = void (*)(FragilePayment &);
 
-/// A way to one of the form's signals.
+/// A way to a signal of the form, or of the provider.
 struct Way
 {
     const char *name;
@@ -73,6 +73,8 @@ const Way WAYS[] = {
          readCard(payment);
          FragilePayment::skip(LATER_MS);
      }},
+    {"answer", "parametersChanged",
+     [](FragilePayment &payment) { payment.handler()->parkingCheckResponseHandler(ParkingCheckResponse()); }},
     {"answer, two seconds", "needShowPayDetail",
      [](FragilePayment &payment) {
          payment.handler()->parkingCheckResponseHandler(ParkingCheckResponse());
@@ -164,8 +166,10 @@ private Q_SLOTS:
             QObject::connect(form, &PluginBaseFormViewer::needCancel, &context, kill);
         else if (signal == "needTick")
             QObject::connect(form, &PluginBaseFormViewer::needTick, &context, kill);
-        else
+        else if (signal == "needShowPayDetail")
             QObject::connect(form, &PluginBaseFormViewer::needShowPayDetail, &context, kill);
+        else
+            QObject::connect(&payment.bench().provider(), &Provider::parametersChanged, &context, kill);
         WAYS[way].go(payment);
         QVERIFY(killed > 0);
         FragilePayment::skip(A_MINUTE_MS);

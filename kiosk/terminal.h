@@ -42,7 +42,7 @@ struct TerminalOptions
 ///
 /// Windows, scenarios, the control socket and the bench panel call the verbs; windows show what the getters tell when a
 /// signal says that it has changed. It drives the plugin through IPayByProvider, the form's signals and the plugin's
-/// invokable slots.
+/// invocable slots.
 ///
 /// Each verb returns an empty text, or why it does not apply now; the reason is logged too. While a commit runs, start,
 /// stop, pay, cancel and quit are taken and carried out, in their order, once the payment's outcome is written.

@@ -184,8 +184,7 @@ private Q_SLOTS:
             "s.yaml:1:19: service: there is no key \"rule\"");
         row("unknown screen", "steps: [expect: {screen: door}]",
             "s.yaml:1:26: \"door\" is none of idle, message, input, details, receipt, service");
-        row("unknown expectation", "steps: [expect: {screem: idle}]",
-            "s.yaml:1:18: expect: there is no key \"screem\"");
+        row("unknown expectation", "steps: [expect: {door: idle}]", "s.yaml:1:18: expect: there is no key \"door\"");
         row("unknown field of a payment", "steps: [expect: {payment: {sum: 1}}]",
             "s.yaml:1:28: payment: there is no key \"sum\"");
         row("unknown outcome", "steps: [expect: {payment: {outcome: paid}}]", "s.yaml:1:37: \"paid\" is none of open,");

@@ -66,7 +66,7 @@ public:
     // The cash service
 
     /// Requests that the plugin has posted and that are not answered.
-    [[nodiscard]] int inFlight() const
+    [[nodiscard]] int unanswered() const
     {
         const auto replies = m_handler ? m_handler->findChildren<QNetworkReply *>() : QList<QNetworkReply *>();
         return static_cast<int>(std::count_if(replies.cbegin(), replies.cend(),
@@ -74,15 +74,15 @@ public:
     }
     [[nodiscard]] bool isPayInFlight() const
     {
-        return inFlight() > 0 && m_service.requests().constLast().line().contains("/ParkInfoPay ");
+        return unanswered() > 0 && m_service.requests().constLast().line().contains("/ParkInfoPay ");
     }
     /// Answers a request, counted from 0, and lets the plugin see it.
     void answer(int request, const QByteArray &body)
     {
-        const int before = inFlight();
+        const int before = unanswered();
         m_service.send(m_service.requests().at(request).connection, {RawAnswer::http("200 OK", body)});
         ++m_answered;
-        waitUntil([this, before] { return inFlight() < before; });
+        waitUntil([this, before] { return unanswered() < before; });
     }
     void answerLast(const QByteArray &body) { answer(m_service.requests().size() - 1, body); }
 
@@ -101,7 +101,7 @@ public:
     /// Lets everything happen that needs no time.
     void settle() const
     {
-        waitUntil([this] { return m_service.requests().size() >= m_answered + inFlight(); });
+        waitUntil([this] { return m_service.requests().size() >= m_answered + unanswered(); });
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }

@@ -82,7 +82,7 @@ private:
             {"press", 20, &Self::press},
             {"type", 8, &Self::type},
             {"answer", 16, &Self::answer},
-            {"time", 12, &Self::passTime},
+            {"time", 12, &Self::letTimePass},
             {"settings page", 2, &Self::openSettings},
             {"settings page gone", 1, &Self::loseSettings},
             {"message ends", 1, &Self::setMessageEnds},
@@ -348,13 +348,13 @@ private:
         if (waiting.isEmpty())
             return;
         const int request = waiting.at(static_cast<int>(a) % waiting.size());
-        const QList<QPointer<QNetworkReply>> before = inFlight(m_handler);
+        const QList<QPointer<QNetworkReply>> before = unanswered(m_handler);
         m_answered.append(request);
         m_service.send(m_service.requests().at(request).connection, answers.at(static_cast<int>(b) % answers.size()));
         const auto isOver = [](const QPointer<QNetworkReply> &reply) { return !reply || reply->isFinished(); };
         waitUntil([&before, isOver] { return std::any_of(before.cbegin(), before.cend(), isOver); });
     }
-    void passTime(unsigned a, unsigned /*b*/)
+    void letTimePass(unsigned a, unsigned /*b*/)
     {
         static const int lengths[] = {100, 1'000, 2'500, 16'000, 61'000};
         TestClock::skip(lengths[a % std::size(lengths)]);
@@ -363,7 +363,7 @@ private:
 
     // What must hold
 
-    [[nodiscard]] static QList<QPointer<QNetworkReply>> inFlight(const QObject *of)
+    [[nodiscard]] static QList<QPointer<QNetworkReply>> unanswered(const QObject *of)
     {
         QList<QPointer<QNetworkReply>> all;
         for (QNetworkReply *reply : of->findChildren<QNetworkReply *>()) {
@@ -379,7 +379,7 @@ private:
         constexpr int mostConnections = 6;
         int sum = 0;
         for (const QNetworkAccessManager *manager : handler().findChildren<QNetworkAccessManager *>())
-            sum += std::min(mostConnections, inFlight(manager).size());
+            sum += std::min(mostConnections, unanswered(manager).size());
         return sum;
     }
     /// Lets everything happen that needs no time.

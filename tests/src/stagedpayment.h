@@ -133,7 +133,7 @@ private:
                 {"session gone", &Self::loseSession},
                 {"provider gone", &Self::loseProvider},
                 {"handler gone", &Self::loseHandler},
-                {"time passes", &Self::passTime}};
+                {"time passes", &Self::letTimePass}};
     }
     template <typename Entry>
     [[nodiscard]] static QStringList namesOf(const QList<Entry> &entries)
@@ -203,7 +203,7 @@ private:
         });
     }
     /// The longest that a message of its kind stays, and a second.
-    void passTime()
+    void letTimePass()
     {
         const bool isChecking = PaymentLook::screen(m_bench) == QLatin1String("checking");
         FragilePayment::skip((isChecking ? ONLINE_CHECK_SECONDS : LONGEST_FIXED_SECONDS) * 1'000 + 1'000);
@@ -255,7 +255,7 @@ private:
     void refuseLate() { m_payment.answer(0, FragilePayment::refusal("late error")); }
     void answerInFlight()
     {
-        if (m_payment.inFlight() > 0)
+        if (m_payment.unanswered() > 0)
             answer();
     }
 

@@ -295,7 +295,7 @@ private Q_SLOTS:
         });
         QVERIFY(returned >= 1);
         QCOMPARE(payment.service().requests().size(), depth);
-        QCOMPARE(payment.inFlight(), depth - 1);
+        QCOMPARE(payment.unanswered(), depth - 1);
     }
 
     void commit_nested_timeLimitEndsAll()
@@ -306,7 +306,7 @@ private Q_SLOTS:
             FragilePayment::passTheTimeLimit();
             TestClock::skip(LATER_MS);
         });
-        QCOMPARE(payment.inFlight(), 3);
+        QCOMPARE(payment.unanswered(), 3);
     }
 
     void commit_allElseDiesInside_returns()
@@ -322,7 +322,7 @@ private Q_SLOTS:
             payment.answerLast(FragilePayment::paid());
             TestClock::skip(LATER_MS);
         });
-        QCOMPARE(payment.inFlight(), 0);
+        QCOMPARE(payment.unanswered(), 0);
     }
 
     void controller_diesInsideItsOwnSignal_isDoneWithout_data()

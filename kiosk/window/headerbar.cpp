@@ -22,7 +22,8 @@ HeaderBar::HeaderBar(const TrelmInfo &info, QWidget *parent)
     auto *names = new QVBoxLayout;
     names->setSpacing(0);
     names->addWidget(Parts::label(info.name.isEmpty() ? QStringLiteral("Оплата парковки") : info.name, "headerName"));
-    names->addWidget(Parts::label(info.address, "headerNote"));
+    if (!info.address.isEmpty())
+        names->addWidget(Parts::label(info.address, "headerNote"));
     auto *clock = new QVBoxLayout;
     clock->setSpacing(0);
     clock->addWidget(m_time, 0, Qt::AlignRight);

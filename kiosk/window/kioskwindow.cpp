@@ -23,6 +23,7 @@ KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
 {
     Look::apply(*qApp);
     setWindowTitle(QStringLiteral("Оплата парковки"));
+    setFocusPolicy(Qt::ClickFocus);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_screens);
@@ -56,6 +57,9 @@ void KioskWindow::showScreen()
     if (screen != Terminal::Screen::Service)
         m_screens->service().leave();
     showPayment();
+    // No frame around a button that nobody chose; forms see to the focus themselves.
+    if (screen != Terminal::Screen::Form && screen != Terminal::Screen::Details)
+        setFocus();
     switch (screen) {
     case Terminal::Screen::Idle:
         m_screens->showScreen(m_screens->idle());

@@ -110,6 +110,21 @@ private Q_SLOTS:
         QCOMPARE(MessageLog::take().first().text, QStringLiteral("the plugin has no form"));
     }
 
+    void focus_onEachScreen_isOnNoButtonUntilAKeyIsUsed()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        QApplication::setActiveWindow(shown.window().window());
+        QCOMPARE(QApplication::focusWidget(), &shown.window());
+        bench.showDetails();
+        bench.takeCash("150");
+        shown.touch("payButton");
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(QApplication::focusWidget(), &shown.window());
+        QTest::keyClick(&shown.window(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), shown.part<QPushButton>("receiptButton"));
+    }
+
     void serviceButton_passingTouch_opensNothing()
     {
         TerminalBench bench;

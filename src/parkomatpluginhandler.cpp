@@ -17,15 +17,13 @@
 #include "parkomatlog.h"
 #include "parkomatpluginsettingswidget.h"
 #include "parkomatsettings.h"
+#include "payresponsewait.h"
 
-#include <QCoreApplication>
 #include <QDataStream>
 #include <QDateTime>
 #include <QDir>
-#include <QEventLoop>
 #include <QFile>
 #include <QLocale>
-#include <QTime>
 #include <QTimer>
 
 namespace {
@@ -66,7 +64,6 @@ constexpr int CONFIRMATION_SECONDS = 30;
 
 // Milliseconds.
 constexpr int DETAILS_DELAY = 2000;
-constexpr int PAY_RESPONSE_POLL = 1000;
 
 // Keys of the session's data: what the plugin leaves for its own later stage.
 const char PARCOMAT_DATA[] = "parcomatData";
@@ -85,6 +82,16 @@ void release(QPointer<Object> &object)
     object.clear();
 }
 
+/// A message that was released inside a nested event loop lives on until that loop has ended: it has nothing to say.
+void release(QPointer<MessageWidgetController> &controller)
+{
+    if (controller) {
+        controller->disconnect(SIGNAL(finish(int)));
+        controller->disconnect(SIGNAL(tick()));
+    }
+    release<MessageWidgetController>(controller);
+}
+
 template <typename Widget>
 void hideAndRelease(QPointer<Widget> &widget)
 {
@@ -92,21 +99,6 @@ void hideAndRelease(QPointer<Widget> &widget)
         widget->hide();
     release(widget);
 }
-
-QT_WARNING_PUSH
-QT_WARNING_DISABLE_DEPRECATED
-/// The wall clock's time of day, deliberately: a clock that is set while it runs shortens or lengthens what it shows.
-class Stopwatch
-{
-public:
-    Stopwatch() { m_start.start(); }
-    /// Milliseconds.
-    [[nodiscard]] int elapsed() const { return m_start.elapsed(); }
-
-private:
-    QTime m_start;
-};
-QT_WARNING_POP
 
 ProviderParameter inputParameter(const char *name, const QString &label, const char *keyboardType)
 {
@@ -120,6 +112,9 @@ ProviderParameter inputParameter(const char *name, const QString &label, const c
 } // namespace
 
 Q_LOGGING_CATEGORY(PARKOMAT_PLUGIN_LOG, "parkomat")
+
+// The slots take values: their signatures stand in the context of their log lines.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 
 ParkomatPluginHandler::ParkomatPluginHandler(QObject *parent) : QObject(parent)
 {
@@ -235,6 +230,7 @@ IPayWidget *ParkomatPluginHandler::start(Provider *provider, const Currency &cur
 
 void ParkomatPluginHandler::stop()
 {
+    // Message, input screen, client and card stay: what they still have to say finds no form.
     hideAndRelease(m_helperViewer);
     release(m_helperMessageController);
     hideAndRelease(m_formViewer);
@@ -243,6 +239,7 @@ void ParkomatPluginHandler::stop()
 
 void ParkomatPluginHandler::checkPluginViewLoadHelper()
 {
+    // It belongs to the handler: a later payment's folder and form change nothing.
     if (m_viewLoadHelper)
         return;
     m_viewLoadHelper = new PluginViewLoadHelper(pluginId(), pluginStringId(), m_projectDir, m_formViewer);
@@ -391,7 +388,7 @@ void ParkomatPluginHandler::waitCardMsgHandler(int code)
         exitFromMessage();
 }
 
-void ParkomatPluginHandler::newParcomatCardDataCommandHandler(const QString & /*command*/, const QVariantMap &data)
+void ParkomatPluginHandler::newParcomatCardDataCommandHandler(QString /*command*/, QVariantMap data)
 {
     qCWarning(DEFAULT_LOG).noquote() << logvariant(data);
     // A card that was read once stays, whatever comes later.
@@ -420,7 +417,7 @@ void ParkomatPluginHandler::showCardNumberInputScreen()
                     SIGNAL(needCancel()), SLOT(cardNumberInputHandler(QString)));
 }
 
-void ParkomatPluginHandler::cardNumberInputHandler(const QString &text)
+void ParkomatPluginHandler::cardNumberInputHandler(QString text)
 {
     m_manualCard.insert(QStringLiteral("cardId"), text);
     m_manualCard.insert(QStringLiteral("cdt"), 1);
@@ -436,7 +433,7 @@ void ParkomatPluginHandler::showCardUidInputScreen()
     showInputScreen(parameter, this, SLOT(showCardNumberInputScreen()), SLOT(cardUidInputHandler(QString)));
 }
 
-void ParkomatPluginHandler::cardUidInputHandler(const QString &uid)
+void ParkomatPluginHandler::cardUidInputHandler(QString uid)
 {
     const QByteArray bytes = QByteArray::fromHex(uid.toLatin1());
     QDataStream stream(bytes);
@@ -453,7 +450,7 @@ void ParkomatPluginHandler::showCarNumberInputScreen()
                     SLOT(carNumberInputHandler(QString)));
 }
 
-void ParkomatPluginHandler::carNumberInputHandler(const QString & /*car*/) {}
+void ParkomatPluginHandler::carNumberInputHandler(QString /*car*/) {}
 
 // Parking check
 
@@ -469,9 +466,10 @@ void ParkomatPluginHandler::sendParkingCheckRequest()
         connect(controller, SIGNAL(tick()), m_formViewer, SIGNAL(needTick()));
 }
 
-void ParkomatPluginHandler::parkingCheckResponseHandler(const ParkingCheckResponse &response)
+void ParkomatPluginHandler::parkingCheckResponseHandler(ParkingCheckResponse response)
 {
     release(m_messageController);
+    // Whether it is a good one, and this payment's, is not asked: the client tells answers from errors.
     m_lastCheckResponse = response;
     const QPointer<ParkomatPluginHandler> self(this);
     fillProviderParameters();
@@ -518,9 +516,10 @@ void ParkomatPluginHandler::fillProviderParameters()
         m_provider->setParameters(parameters);
 }
 
-void ParkomatPluginHandler::parkomatAccessManagerErrorHandler(const QVariantMap &error)
+void ParkomatPluginHandler::parkomatAccessManagerErrorHandler(QVariantMap error)
 {
     const QPointer<MessageWidgetController> controller = loadMessagesView();
+    // The text alone, without a word of whose it is. During a confirmation the wait for an answer goes on behind it.
     controller->initMessageSingleSignalMode(error.value(QStringLiteral("errorMessage")).toString(),
                                             TerminalAppSettings().autoCloseMessagesAfter(), KIND_ERROR);
     connect(controller, SIGNAL(finish(int)), this, SLOT(exitFromMessageCode(int)));
@@ -539,6 +538,7 @@ void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager * /*session*/
         if (payment.providerId() != m_provider->id())
             continue;
         if (merged.providerId() < 1) {
+            // Its number and time stand for all of them.
             merged = payment;
             continue;
         }
@@ -552,46 +552,20 @@ void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager * /*session*/
     createParkingAccessManager();
     const QVariantMap data =
         m_sessionManager ? m_sessionManager->pluginsData().value(QLatin1String(PARCOMAT_DATA)).toMap() : QVariantMap();
+    // What the session holds is the card of this payment, whichever was read last.
     m_cardData.parseMap(data.value(QLatin1String(CARD_DATA)).toMap());
     const FixNumber totalCharge(100, data.value(QLatin1String(TOTAL_CHARGE)).toString());
     m_accessManager->postData(ParkInfoPayRequest(m_cardData, merged, totalCharge));
-    waitForPayResponse();
+    PayResponseWait(*this, m_isPayResponseArrived).run();
 }
 
-void ParkomatPluginHandler::waitForPayResponse()
-{
-    QEventLoop loop;
-    bool isHandlerGone = false;
-    connect(this, &QObject::destroyed, &loop, [&loop, &isHandlerGone] {
-        isHandlerGone = true;
-        loop.quit();
-    });
-    const Stopwatch stopwatch;
-    QCoreApplication::processEvents();
-    if (isHandlerGone)
-        return;
-    // Cleared only behind the event pass: an answer that came in it is forgotten, and the whole limit is waited for.
-    m_isPayResponseArrived = false;
-    const int limit = static_cast<quint16>(TerminalAppSettings().onlineCheckTimeout()) * 1000;
-
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, &loop, [this, &loop, &isHandlerGone, &stopwatch, limit] {
-        if (!isHandlerGone && !m_isPayResponseArrived && stopwatch.elapsed() < limit)
-            return;
-        loop.quit();
-        QCoreApplication::processEvents();
-    });
-    poll.start(PAY_RESPONSE_POLL);
-    QCoreApplication::processEvents();
-    if (!isHandlerGone)
-        loop.exec();
-}
-
-void ParkomatPluginHandler::parkInfoPayResponseHandler(const ParkInfoPayResponse &response)
+void ParkomatPluginHandler::parkInfoPayResponseHandler(ParkInfoPayResponse response)
 {
     qCWarning(DEFAULT_LOG).noquote() << response.resultCode() << response.errorInfo();
     if (response.resultCode() != BaseParkomatResponse::SUCCESS)
         qCCritical(trelmbus::LOGGER).noquote() << "НУЖНО ОБРАБАТЫВАТЬ ОШИБКУ! ЧТО ДЕЛАТЬ С ПЛАТЕЖОМ И ДЕНЬГАМИ?";
     release(m_messageController);
+    // Nothing ties it to a request: the late answer to an earlier commit counts as well.
     m_isPayResponseArrived = true;
 }
+// NOLINTEND(performance-unnecessary-value-param)

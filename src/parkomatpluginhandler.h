@@ -97,18 +97,18 @@ public Q_SLOTS:
     void exitFromMessageCode(int code);
     /// Takes @a data as the card, unless a valid one is known already, and asks the cash service what is owed.
     /// @param command is not looked at.
-    void newParcomatCardDataCommandHandler(const QString &command, const QVariantMap &data);
+    void newParcomatCardDataCommandHandler(QString command, QVariantMap data);
     void showCarNumberInputScreen();
     void showCardNumberInputScreen();
     void showCardUidInputScreen();
-    void carNumberInputHandler(const QString &car);
-    void cardNumberInputHandler(const QString &text);
+    void carNumberInputHandler(QString car);
+    void cardNumberInputHandler(QString text);
     /// @param uid hexadecimal, highest byte first; what is missing to four bytes makes it 0.
-    void cardUidInputHandler(const QString &uid);
-    void parkomatAccessManagerErrorHandler(const QVariantMap &error);
+    void cardUidInputHandler(QString uid);
+    void parkomatAccessManagerErrorHandler(QVariantMap error);
     void waitCardMsgHandler(int code);
-    void parkInfoPayResponseHandler(const ParkInfoPayResponse &response);
-    void parkingCheckResponseHandler(const ParkingCheckResponse &response);
+    void parkInfoPayResponseHandler(ParkInfoPayResponse response);
+    void parkingCheckResponseHandler(ParkingCheckResponse response);
 
 private:
     QPointer<MessageWidgetController> loadMessagesView();
@@ -122,7 +122,6 @@ private:
     void sendParkingCheckRequest();
     void fillProviderParameters();
     [[nodiscard]] std::optional<QString> parameterValue(const QString &name) const;
-    void waitForPayResponse();
 
     QPointer<Provider> m_provider;
     QPointer<SessionManager> m_sessionManager;

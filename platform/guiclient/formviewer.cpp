@@ -118,11 +118,11 @@ SessionManager *FormViewer::session() const
 void FormViewer::setCurrent(QWidget *view)
 {
     m_current = view;
-    QString name;
+    m_currentName.clear();
     for (const View &each : qAsConst(m_views)) {
         QWidget *widget = each.widget;
         if (widget == view)
-            name = each.name;
+            m_currentName = each.name;
         else if (widget != nullptr)
             widget->hide();
     }
@@ -135,10 +135,6 @@ void FormViewer::setCurrent(QWidget *view)
         takeFocus();
         m_doubleTapGuard->arm();
     }
-    if (name == m_currentName)
-        return;
-    m_currentName = name;
-    Q_EMIT currentViewChanged(name);
 }
 
 void FormViewer::layOut(QWidget *view)
@@ -195,6 +191,7 @@ void FormViewer::showEvent(QShowEvent * /*event*/)
         layOut(m_current);
     updateWaitingPage();
     takeFocus();
+    m_doubleTapGuard->arm();
 }
 
 void FormViewer::hideEvent(QHideEvent * /*event*/)

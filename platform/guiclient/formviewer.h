@@ -53,10 +53,6 @@ public:
 
     void setVisible(bool visible) override;
 
-Q_SIGNALS:
-    /// Another view is up, or none. @param name as currentView() says.
-    void currentViewChanged(const QString &name);
-
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void childEvent(QChildEvent *event) override;

@@ -106,10 +106,15 @@ void MessageView::setOwner(MessageWidgetController *owner)
     m_owner = owner;
 }
 
+void MessageView::takeOff()
+{
+    m_widget->hide();
+}
+
 void MessageView::release()
 {
     m_owner.clear();
-    m_widget->hide();
+    takeOff();
 }
 
 void MessageView::show(const Message &message)

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] MessageWidgetController *owner() const;
     /// The owner before is told that it has lost the view.
     void setOwner(MessageWidgetController *owner);
+    /// Hides the view; its owner stays the owner.
+    void takeOff();
     /// Hides the widget and has no owner any more.
     void release();
 

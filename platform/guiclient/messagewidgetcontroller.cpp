@@ -112,6 +112,8 @@ void MessageWidgetController::close(int exitCode)
         return;
     m_hasFinished = true;
     m_timer.stop();
+    if (m_view && (m_isSingleSignal || exitCode == TimeOut))
+        m_view->takeOff();
     Q_EMIT finish(exitCode);
 }
 

@@ -64,7 +64,8 @@ public:
     void setOkCaption(const QString &text);
 
 Q_SIGNALS:
-    /// The message closes. @param exitCode one of ExitCode.
+    /// The message closes; it is off the screen where that was its time, or where finish() comes but once. @param
+    /// exitCode one of ExitCode.
     void finish(int exitCode);
     /// Once a second, while the message has not closed.
     void tick();

@@ -70,7 +70,8 @@ public:
                                          QVariantMap * /*result*/)
     {}
 
-    /// The plugin's page of settings. The host embeds it, tells it to save, and deletes it when the menu is left.
+    /// The plugin's page of settings. The host embeds it, tells it to save, and deletes it when the menu is left;
+    /// stop() takes it away too.
     virtual IPayByProviderSettingsWidget *getSettingsWidget() = 0;
     /// The payment is over: the form is released.
     virtual void stop() = 0;

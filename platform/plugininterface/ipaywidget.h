@@ -10,8 +10,8 @@ class IPayWidget
 public:
     virtual ~IPayWidget() = default;
 
-    /// The form itself. It has the signals needCancel() (the payment is over without money), needTick() (the customer is
-    /// still there: the inactivity timer starts again) and needShowPayDetail() (it is known what is owed: show the
+    /// The form itself. It has the signals needCancel() (the payment is over without money), needTick() (the customer
+    /// is still there: the inactivity timer starts again) and needShowPayDetail() (it is known what is owed: show the
     /// details), which the host connects by name.
     virtual QWidget *widget() = 0;
 

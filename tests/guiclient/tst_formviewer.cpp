@@ -16,7 +16,6 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -113,15 +112,12 @@ private Q_SLOTS:
         QCOMPARE(viewer.currentView(), ONE);
         viewer.addView(two, TWO);
         QCOMPARE(viewer.currentView(), TWO);
-        const QSignalSpy changes(&viewer, &FormViewer::currentViewChanged);
         viewer.showWidget(ONE);
         viewer.show();
         QVERIFY(one->isVisible());
         QVERIFY(!two->isVisible());
         QCOMPARE(viewer.currentView(), ONE);
         viewer.showWidget(ONE);
-        QCOMPARE(changes.size(), 1);
-        QCOMPARE(changes.at(0).at(0).toString(), ONE);
         QCOMPARE(viewer.getUi(ONE), one);
         QCOMPARE(viewer.getUi(TWO), two);
     }
@@ -201,11 +197,9 @@ private Q_SLOTS:
             viewer.addView(view, ONE);
             if (!isUp)
                 viewer.addView(new Page, TWO);
-            const QSignalSpy changes(&viewer, &FormViewer::currentViewChanged);
             act(viewer, view, &other);
             QVERIFY(viewer.getUi(ONE) == nullptr);
             QCOMPARE(viewer.currentView(), isUp ? QString() : TWO);
-            QCOMPARE(changes.size(), isUp ? 1 : 0);
             // What is no view of the viewer any more does not move it.
             if (view)
                 view->show();

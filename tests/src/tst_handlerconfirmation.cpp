@@ -142,6 +142,7 @@ private Q_SLOTS:
                 [&] { closed = sinceCommit.elapsed(); });
         letPass(31'000);
         QVERIFY2(closed >= 29'000, qPrintable(QString::number(closed)));
+        QCOMPARE(paid.bench.messageText(), QString());
         QCOMPARE(paid.bench.takeSignals(), QStringList());
     }
 

@@ -17,11 +17,10 @@ const QString DESTRUCTOR = QStringLiteral("virtual ParkomatPluginHandler::~Parko
 const QString START =
     QStringLiteral("virtual IPayWidget* ParkomatPluginHandler::start(Provider*, const Currency&, SessionManager*)");
 const QString CARD =
-    QStringLiteral("void ParkomatPluginHandler::newParcomatCardDataCommandHandler(const QString&, const QVariantMap&)");
+    QStringLiteral("void ParkomatPluginHandler::newParcomatCardDataCommandHandler(QString, QVariantMap)");
 const QString COMMIT =
     QStringLiteral("virtual void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager*, PayPack*)");
-const QString PAID =
-    QStringLiteral("void ParkomatPluginHandler::parkInfoPayResponseHandler(const ParkInfoPayResponse&)");
+const QString PAID = QStringLiteral("void ParkomatPluginHandler::parkInfoPayResponseHandler(ParkInfoPayResponse)");
 const QString WHAT_NOW = QStringLiteral("НУЖНО ОБРАБАТЫВАТЬ ОШИБКУ! ЧТО ДЕЛАТЬ С ПЛАТЕЖОМ И ДЕНЬГАМИ?");
 
 /// A line of the handler as the tests write it: "level [category] function: text".

@@ -155,14 +155,22 @@ private Q_SLOTS:
     // Unlike a card that is read, of which the first stays.
     void card_leftInSession_replacesTheOneThatWasRead()
     {
-        PaidBench paid;
-        paid.handler.cardNumberInputHandler(QStringLiteral("1"));
-        paid.leaveCheck(
-            {{QStringLiteral("cardData"), HandlerBench::card(QStringLiteral("4294967295"), QStringLiteral("2"))},
-             {QStringLiteral("totalCharge"), QStringLiteral("150.00")}});
-        paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
-        QCOMPARE(paid.sent("CardUid"), QStringLiteral("FFFFFFFF"));
-        QCOMPARE(paid.sent("CardId"), QStringLiteral("2"));
+        ScriptedService service;
+        ParkomatPluginHandler handler;
+        const HandlerBench bench(&handler);
+        handler.start(&bench.provider(), Currency(), &bench.session());
+        service.plan(ScriptedService::check());
+        bench.readCard(HandlerBench::demoCard());
+        WAIT_FOR(bench.parameter(QStringLiteral("UIN")), QStringLiteral("uin-1"));
+        bench.session().setPluginsData(
+            {{PARCOMAT_DATA, QVariantMap({{QStringLiteral("cardData"),
+                                           HandlerBench::card(QStringLiteral("4294967295"), QStringLiteral("2"))}})}});
+        service.plan(ScriptedService::pay());
+        bench.commit({HandlerBench::payment(70'001, 15'000)});
+        QCOMPARE(service.sent(0, QStringLiteral("CardUid")), QStringLiteral("78563412"));
+        QCOMPARE(service.sent(1, QStringLiteral("CardUid")), QStringLiteral("FFFFFFFF"));
+        QCOMPARE(service.sent(1, QStringLiteral("CardId")), QStringLiteral("2"));
+        QCOMPARE(service.complaint(), QString());
     }
 
     void check_leftNothing_isRegisteredWithoutACardInFull_data()

@@ -17,6 +17,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 namespace {
 using Operation = BenchmarkCase::Operation;
@@ -24,6 +25,8 @@ using Operation = BenchmarkCase::Operation;
 const std::string BARE = "payment-bare";
 // The confirmation returns at a poll, one a second, so that a payment takes as long.
 constexpr int TIMES = 20;
+// Those that are not counted, too.
+constexpr size_t PAYMENTS = 2 * TIMES;
 
 constexpr qint64 PROVIDER = 18156;
 
@@ -46,30 +49,26 @@ void addParameters(Provider &provider)
 }
 
 /// The plugin with its form, which is not shown and has its views already.
-struct Host
+class Handler
 {
-    ClientResponder responder;
-    FormProject project = FormProject(QStringLiteral(FORM_PROJECT));
-    ParkomatPluginHandler plugin;
-
-    Host()
+public:
+    explicit Handler(FormProject &project)
     {
-        responder.configure();
         SessionManager session(&project);
         Provider provider(PROVIDER, QStringLiteral("Парковка"));
-        IPayWidget *form = plugin.start(&provider, Currency(), &session);
-        plugin.showInitScreen();
+        IPayWidget *form = m_plugin.start(&provider, Currency(), &session);
+        m_plugin.showInitScreen();
         if (static_cast<PluginBaseFormViewer *>(form)->getUi(QStringLiteral("messagesView")) == nullptr)
             throw std::runtime_error("the form has no view for messages");
     }
 
     /// From the card reader's command to the filled parameters, then from the commit to the answer.
-    void pay()
+    void pay(FormProject &project)
     {
         SessionManager session(&project);
         Provider provider(PROVIDER, QStringLiteral("Парковка"));
         addParameters(provider);
-        plugin.start(&provider, Currency(), &session);
+        m_plugin.start(&provider, Currency(), &session);
         QEventLoop loop;
         QObject::connect(&provider, &Provider::parametersChanged, &loop, &QEventLoop::quit);
         Q_EMIT session.newParcomatCardDataCommand(QStringLiteral("parkomatCardData"), Terminal::cardMap());
@@ -78,8 +77,31 @@ struct Host
             throw std::runtime_error("the parameters were not filled");
         PayPack pack;
         pack.addPayment(payment());
-        plugin.doPaymentPredProcessing(&session, &pack);
+        m_plugin.doPaymentPredProcessing(&session, &pack);
     }
+
+private:
+    ParkomatPluginHandler m_plugin;
+};
+
+/// A handler for each payment: one keeps its first card.
+class Host
+{
+public:
+    Host()
+    {
+        m_responder.configure();
+        while (m_handlers.size() < PAYMENTS)
+            m_handlers.push_back(std::make_unique<Handler>(m_project));
+    }
+
+    void pay() { m_handlers.at(m_next++)->pay(m_project); }
+
+private:
+    ClientResponder m_responder;
+    FormProject m_project = FormProject(QStringLiteral(FORM_PROJECT));
+    std::vector<std::unique_ptr<Handler>> m_handlers;
+    size_t m_next = 0;
 };
 
 Operation whole()

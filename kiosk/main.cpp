@@ -163,8 +163,14 @@ int run(const Arguments &arguments)
         scenario = readScenario(arguments.scenario);
     std::optional<QTemporaryDir> temporary;
     QString workDir = arguments.workDir;
-    if (workDir.isEmpty() && scenario)
+    if (workDir.isEmpty() && scenario) {
         workDir = temporary.emplace().path();
+        // Never the terminal's own: a scenario's money is none.
+        if (!temporary->isValid())
+            return fail(Unusable, {QStringLiteral("no temporary folder for the scenario: %1. Give --work-dir, or set "
+                                                  "TMPDIR to a folder that may be written to.")
+                                       .arg(temporary->errorString())});
+    }
     if (!workDir.isEmpty())
         qputenv("TERMINAL_WORK_DIR", QFile::encodeName(workDir));
     if (!DirCreator::checkAndCreate(InitConfig::workDir(), DirCreator::OWNER_ONLY))

@@ -82,16 +82,6 @@ void release(QPointer<Object> &object)
     object.clear();
 }
 
-/// A message that was released inside a nested event loop lives on until that loop has ended: it has nothing to say.
-void release(QPointer<MessageWidgetController> &controller)
-{
-    if (controller) {
-        controller->disconnect(SIGNAL(finish(int)));
-        controller->disconnect(SIGNAL(tick()));
-    }
-    release<MessageWidgetController>(controller);
-}
-
 template <typename Widget>
 void hideAndRelease(QPointer<Widget> &widget)
 {
@@ -232,7 +222,7 @@ void ParkomatPluginHandler::stop()
 {
     // Message, input screen, client and card stay: what they still have to say finds no form.
     hideAndRelease(m_helperViewer);
-    release(m_helperMessageController);
+    releaseMessage(m_helperMessageController);
     hideAndRelease(m_formViewer);
     hideAndRelease(m_settingsWidget);
 }
@@ -260,6 +250,16 @@ void ParkomatPluginHandler::createParkingAccessManager()
 
 // Message views
 
+void ParkomatPluginHandler::releaseMessage(QPointer<MessageWidgetController> &controller)
+{
+    // One that is released inside a nested event loop lives on until that loop has ended: it has nothing more to say.
+    if (controller) {
+        controller->disconnect(this);
+        controller->disconnect(m_formViewer);
+    }
+    release(controller);
+}
+
 void ParkomatPluginHandler::showMessagesView(FormViewer *viewer)
 {
     const QString name = QLatin1String(MESSAGES_VIEW);
@@ -277,7 +277,7 @@ void ParkomatPluginHandler::showMessagesView(FormViewer *viewer)
 
 QPointer<MessageWidgetController> ParkomatPluginHandler::loadMessagesView()
 {
-    release(m_messageController);
+    releaseMessage(m_messageController);
     if (m_formViewer)
         showMessagesView(m_formViewer);
     m_messageController = new MessageWidgetController(this);
@@ -289,7 +289,7 @@ QPointer<MessageWidgetController> ParkomatPluginHandler::loadHelperMessagesView(
 {
     if (!m_helperViewer && m_formViewer)
         m_helperViewer = new FormViewer(m_sessionManager, false, m_formViewer);
-    release(m_helperMessageController);
+    releaseMessage(m_helperMessageController);
     if (m_helperViewer)
         showMessagesView(m_helperViewer);
     m_helperMessageController = new MessageWidgetController(this);
@@ -299,7 +299,7 @@ QPointer<MessageWidgetController> ParkomatPluginHandler::loadHelperMessagesView(
 
 void ParkomatPluginHandler::hideHelperMessagesView()
 {
-    release(m_helperMessageController);
+    releaseMessage(m_helperMessageController);
     if (!m_helperViewer)
         return;
     m_helperViewer->hide();
@@ -348,7 +348,7 @@ void ParkomatPluginHandler::cancelAcceptHandler()
 
 void ParkomatPluginHandler::exitFromMessage()
 {
-    release(m_messageController);
+    releaseMessage(m_messageController);
     if (m_formViewer)
         Q_EMIT m_formViewer->needCancel();
 }
@@ -401,7 +401,7 @@ void ParkomatPluginHandler::newParcomatCardDataCommandHandler(QString /*command*
 void ParkomatPluginHandler::showInputScreen(const ProviderParameter &parameter, QObject *backReceiver,
                                             const char *backMethod, const char *nextSlot)
 {
-    release(m_messageController);
+    releaseMessage(m_messageController);
     delete m_inputController;
     m_inputController =
         new PluginProviderParameterInputController(m_sessionManager, m_formViewer, QString(), QString(), this);
@@ -468,7 +468,7 @@ void ParkomatPluginHandler::sendParkingCheckRequest()
 
 void ParkomatPluginHandler::parkingCheckResponseHandler(ParkingCheckResponse response)
 {
-    release(m_messageController);
+    releaseMessage(m_messageController);
     // Whether it is a good one, and this payment's, is not asked: the client tells answers from errors.
     m_lastCheckResponse = response;
     const QPointer<ParkomatPluginHandler> self(this);
@@ -564,7 +564,7 @@ void ParkomatPluginHandler::parkInfoPayResponseHandler(ParkInfoPayResponse respo
     qCWarning(DEFAULT_LOG).noquote() << response.resultCode() << response.errorInfo();
     if (response.resultCode() != BaseParkomatResponse::SUCCESS)
         qCCritical(trelmbus::LOGGER).noquote() << "НУЖНО ОБРАБАТЫВАТЬ ОШИБКУ! ЧТО ДЕЛАТЬ С ПЛАТЕЖОМ И ДЕНЬГАМИ?";
-    release(m_messageController);
+    releaseMessage(m_messageController);
     // Nothing ties it to a request: the late answer to an earlier commit counts as well.
     m_isPayResponseArrived = true;
 }

@@ -112,6 +112,7 @@ public Q_SLOTS:
 
 private:
     QPointer<MessageWidgetController> loadMessagesView();
+    void releaseMessage(QPointer<MessageWidgetController> &controller);
     /// Brings up the viewer's view for messages, loaded from the session's project where it has none yet.
     void showMessagesView(FormViewer *viewer);
     /// @param backMethod of @a backReceiver, as SIGNAL() or SLOT() make it; @param nextSlot of this handler.

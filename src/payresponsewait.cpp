@@ -14,8 +14,8 @@ constexpr int POLL_MS = 1000;
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
-/// The time of day, deliberately: a clock that is set while it runs shortens or lengthens what it shows, and one that is
-/// set back behind the start shows nearly a day.
+/// The time of day, deliberately: a clock that is set while it runs shortens or lengthens what it shows, and one that
+/// is set back behind the start shows nearly a day.
 class Stopwatch
 {
 public:

@@ -6,8 +6,8 @@ class QObject;
 
 /// Holds the host's commit until the answer to a registration is there or the host's online-check time-out has passed.
 ///
-/// Made by the handler behind the request; it looks once a second, so that the call lasts up to a second longer than the
-/// exchange. Events are processed meanwhile, and the handler may be destroyed by them: that ends the wait at once.
+/// Made by the handler behind the request; it looks once a second, so that the call lasts up to a second longer than
+/// the exchange. Events are processed meanwhile, and the handler may be destroyed by them: that ends the wait at once.
 class PayResponseWait
 {
 public:

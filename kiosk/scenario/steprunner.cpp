@@ -8,6 +8,7 @@
 #include "view/view.h"
 
 #include <QDir>
+#include <QPointer>
 
 namespace kiosk {
 StepRunner::StepRunner(const Stage &stage, QObject *parent) : QObject(parent), m_stage(stage)
@@ -20,7 +21,11 @@ StepRunner::StepRunner(const Stage &stage, QObject *parent) : QObject(parent), m
 void StepRunner::run(const Step &step)
 {
     View view(m_stage.terminal, m_stage.window);
-    const auto tell = [this](const QString &failure) { Q_EMIT finished(failure, {}); };
+    // The cash service may take its time, and who gave the step may be gone by then.
+    const auto tell = [self = QPointer<StepRunner>(this)](const QString &failure) {
+        if (self)
+            Q_EMIT self->finished(failure, {});
+    };
     switch (step.verb) {
     case Verb::Press:
         tell(view.press(step.text));

@@ -81,9 +81,9 @@ private Q_SLOTS:
         row("nothing to type on", "type: a", "(type: a): there is nothing to type on");
         row("no cash service", "service: clear", "(service: clear): there is no cash service to break: give --bench");
         row("another screen", "expect: {screen: receipt, within: 0}",
-            "(expect): after 0 ms: expected screen \"receipt\"; there was \"idle\"");
+            "(expect: {screen: receipt, within: 0}): after 0 ms: expected screen \"receipt\"; there was \"idle\"");
         row("another text", "expect: {text: a, within: 20}",
-            "(expect): after 20 ms: expected text \"a\"; there was \"\"");
+            "(expect: {text: a, within: 20}): after 20 ms: expected text \"a\"; there was \"\"");
         row("another parameter", "expect: {parameters: {a: b}, within: 0}",
             "expected parameter a \"b\"; there was \"\"");
         row("no payment", "expect: {payment: {uid: 1}, within: 0}", "expected a payment; there was none");
@@ -210,7 +210,8 @@ private Q_SLOTS:
         QCOMPARE(play("  - service: clear\n", stage), QString());
         QVERIFY(rules().isEmpty());
         const QString failure = play("  - service: {fault: \"any:fly\"}\n", stage);
-        QVERIFY2(failure.contains(QStringLiteral("(service): the cash service: ")), qPrintable(failure));
+        QVERIFY2(failure.contains(QStringLiteral("(service: {fault: any:fly}): the cash service: ")),
+                 qPrintable(failure));
         QVERIFY(rules().isEmpty());
     }
 

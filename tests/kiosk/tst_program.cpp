@@ -79,12 +79,21 @@ private Q_SLOTS:
         QVERIFY2(said.contains(output), qPrintable(said));
     }
 
-    void play_withoutAWorkDir_usesATemporaryFolder()
+    void play_withoutAWorkDir_usesATemporaryFolderOrNone_data()
     {
+        QTest::addColumn<QString>("temporary");
+        QTest::addColumn<int>("status");
+        QTest::newRow("a temporary folder") << WorkDirectory::path() << 0;
+        QTest::newRow("none to be had") << WorkDirectory::path() + QStringLiteral("/missing") << 2;
+    }
+
+    void play_withoutAWorkDir_usesATemporaryFolderOrNone()
+    {
+        QFETCH(QString, temporary);
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        environment.insert(QStringLiteral("TMPDIR"), WorkDirectory::path());
+        environment.insert(QStringLiteral("TMPDIR"), temporary);
         const QString home = WorkDirectory::path() + QStringLiteral("/home");
         environment.insert(QStringLiteral("TERMINAL_WORK_DIR"), home);
         process.setProcessEnvironment(environment);
@@ -92,7 +101,7 @@ private Q_SLOTS:
         process.start(QStringLiteral(KIOSK_PROGRAM),
                       {QStringLiteral("--plugin-file"), QStringLiteral(PLUGIN_FILE), QStringLiteral("--play"), path});
         QVERIFY(process.waitForFinished(60'000));
-        QCOMPARE(process.exitCode(), 0);
+        QTEST(process.exitCode(), "status");
         QVERIFY(!QFile::exists(home));
         QVERIFY(QDir(WorkDirectory::path()).entryList({QStringLiteral("kiosk-*")}).isEmpty());
     }

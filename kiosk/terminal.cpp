@@ -105,7 +105,9 @@ QString Terminal::start()
         return {};
     if (m_screen != Screen::Idle || m_isQuitting)
         return refuse("start");
-    return beginPayment();
+    if (m_plugin.root() == nullptr)
+        m_plugin.renew();
+    return isDeferred(&Terminal::start) ? QString() : beginPayment();
 }
 
 QString Terminal::stop()
@@ -319,13 +321,16 @@ QString Terminal::beginPayment()
 void Terminal::endPayment()
 {
     m_inactivity.stop();
-    m_plugin.plugin()->stop();
+    // The root object may have died on its own.
+    IPayByProvider *const plugin = m_plugin.plugin();
+    if (plugin != nullptr)
+        plugin->stop();
     // It may be what called.
     m_session->disconnect(this);
     m_session->deleteLater();
     m_session = nullptr;
     m_till = Till(m_ledger, m_options.comission);
-    if (!m_options.keepPlugin)
+    if (!m_options.keepPlugin || plugin == nullptr)
         m_plugin.renew();
     showNext();
 }

@@ -14,7 +14,7 @@
 namespace kiosk {
 Outcome commitPayment(const PluginHost &host, SessionManager &session, const Payment &payment)
 {
-    if (!host.plugin()->needPaymentPredProcessing())
+    if (host.plugin() == nullptr || !host.plugin()->needPaymentPredProcessing())
         return Outcome::Unconfirmed;
     constexpr qint64 millisecondsOfASecond = 1000;
     const qint64 limit = TerminalAppSettings().onlineCheckTimeout() * millisecondsOfASecond;

@@ -50,7 +50,7 @@ IPayByProvider *PluginHost::plugin() const
 
 void PluginHost::renew()
 {
-    if (!m_root)
+    if (m_isRenewing)
         return;
     m_isRenewing = true;
     // Queued: the object's children go after the signal, and the fresh one is not to meet them.
@@ -59,6 +59,10 @@ void PluginHost::renew()
         takeInstance();
         Q_EMIT renewed();
     };
+    if (!m_root) {
+        QMetaObject::invokeMethod(this, takeFresh, Qt::QueuedConnection);
+        return;
+    }
     connect(m_root, &QObject::destroyed, this, takeFresh, Qt::QueuedConnection);
     m_root->deleteLater();
     m_root.clear();

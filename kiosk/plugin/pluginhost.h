@@ -41,7 +41,7 @@ public:
     [[nodiscard]] IPayByProvider *plugin() const;
 
     /// Deletes the root object, waits until it is gone, and makes another: a plugin may keep a customer's card for as
-    /// long as its root object lives.
+    /// long as its root object lives. One that has died on its own is replaced likewise.
     void renew();
 
 Q_SIGNALS:

@@ -63,6 +63,38 @@ private Q_SLOTS:
         QVERIFY(!bench->receipt().isRecovered);
     }
 
+    /// The root object is gone: before the plugin is asked, or while it is.
+    void plugin_thatDiesInACommit_isMadeAnewForTheNextCustomer_data()
+    {
+        QTest::addColumn<bool>("diesBefore");
+        QTest::addColumn<bool>("isKept");
+        QTest::newRow("while it is asked") << false << false;
+        QTest::newRow("while it is asked, kept") << false << true;
+        QTest::newRow("before it is asked") << true << false;
+    }
+
+    void plugin_thatDiesInACommit_isMadeAnewForTheNextCustomer()
+    {
+        QFETCH(bool, diesBefore);
+        QFETCH(bool, isKept);
+        kiosk::TerminalOptions options;
+        options.keepPlugin = isKept;
+        TerminalBench bench(options);
+        bench.plan("confirmation", QStringLiteral("dies"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        if (diesBefore)
+            delete bench.host().root();
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QVERIFY(bench.host().root() == nullptr);
+        QCOMPARE(bench.latest().outcome, Outcome::Unconfirmed);
+        QCOMPARE(bench->closeReceipt(), QString());
+        QCOMPARE(bench->start(), QString());
+        WAIT_FOR(bench->screen(), Screen::Form);
+        QVERIFY(bench.host().root() != nullptr);
+    }
+
     void payment_handedToThePlugin_hasTheLedgersNumberAndAmounts()
     {
         kiosk::TerminalOptions options;

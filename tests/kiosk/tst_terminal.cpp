@@ -130,6 +130,14 @@ private Q_SLOTS:
         WAIT_FOR(bench->screen(), Screen::Form);
     }
 
+    void start_afterThePluginDied_makesItAnew()
+    {
+        TerminalBench bench;
+        delete bench.host().root();
+        QCOMPARE(bench->start(), QString());
+        WAIT_FOR(bench->screen(), Screen::Form);
+    }
+
     void start_withoutAForm_isRefusedAndStopped()
     {
         TerminalBench bench;

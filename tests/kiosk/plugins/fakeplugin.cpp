@@ -183,7 +183,13 @@ public:
         record(QStringLiteral("pay %1 %2 %3")
                    .arg(payment.uid())
                    .arg(payment.summ().toString(), payment.comission().toString()));
-        confirm(plans().value(QStringLiteral("confirmation"), QStringLiteral("taken off")).toString());
+        const QString confirmation =
+            plans().value(QStringLiteral("confirmation"), QStringLiteral("taken off")).toString();
+        if (confirmation == QLatin1String("dies")) {
+            delete this;
+            return;
+        }
+        confirm(confirmation);
         require(m_session && m_provider && m_form, "session, provider and form outlive the confirmation");
         record(QStringLiteral("returned"));
     }

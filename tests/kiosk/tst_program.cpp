@@ -84,7 +84,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("temporary");
         QTest::addColumn<int>("status");
         QTest::newRow("a temporary folder") << WorkDirectory::path() << 0;
-        QTest::newRow("none to be had") << WorkDirectory::path() + QStringLiteral("/missing") << 2;
+        // A file, not a folder.
+        QTest::newRow("none to be had") << QStringLiteral("/proc/self/status") << 2;
     }
 
     void play_withoutAWorkDir_usesATemporaryFolderOrNone()

@@ -44,7 +44,9 @@ bool Terminal::isPaying() const
 
 bool Terminal::canPay() const
 {
-    return m_screen == Screen::Details && !m_isCommitting && !purchase().isNothingDue() && purchase().hasCash();
+    // Under a message the plugin is at something whose end would be taken for the confirmation's.
+    return m_screen == Screen::Details && !m_isCommitting && !purchase().isNothingDue() && purchase().hasCash() &&
+           m_session->isDetailsUp();
 }
 
 bool Terminal::canCancel() const

@@ -9,6 +9,8 @@
 #include "plugininterface/ipaybyprovider.h"
 #include "plugininterface/ipaywidget.h"
 
+#include <algorithm>
+
 namespace kiosk {
 PaymentSession::PaymentSession(FormProject *project, QObject *parent)
     : QObject(parent), m_session(project), m_provider(Payee::makeProvider(this))
@@ -51,5 +53,14 @@ void PaymentSession::showPaidIn(const FixNumber &paidIn)
 {
     if (auto *const form = qobject_cast<PluginBaseFormViewer *>(m_form))
         form->setPaidIn(paidIn);
+}
+
+bool PaymentSession::isDetailsUp() const
+{
+    const auto *const form = qobject_cast<PluginBaseFormViewer *>(m_form);
+    if (form == nullptr || form->currentView() != QLatin1String(PluginBaseFormViewer::PAY_DETAIL_VIEW))
+        return false;
+    const auto laidOver = form->findChildren<FormViewer *>();
+    return std::none_of(laidOver.begin(), laidOver.end(), [](const FormViewer *viewer) { return viewer->isVisible(); });
 }
 } // namespace kiosk

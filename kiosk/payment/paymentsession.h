@@ -40,6 +40,8 @@ public:
     /// Puts the form's details up.
     void showDetails(const FixNumber &paidIn);
     void showPaidIn(const FixNumber &paidIn);
+    /// Whether the form's details are what the customer sees: no message in their place, no question over them.
+    [[nodiscard]] bool isDetailsUp() const;
 
 Q_SIGNALS:
     /// The payment is over. Comes from the event loop: whoever asked for it has returned.

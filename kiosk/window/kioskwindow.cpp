@@ -44,6 +44,7 @@ void KioskWindow::connectScreens()
     connect(&m_screens->idle(), &IdleScreen::startWanted, this, &KioskWindow::start);
     connect(&m_screens->payment(), &PaymentScreen::cancelWanted, &m_terminal, &Terminal::cancel);
     connect(&m_screens->payment(), &PaymentScreen::payWanted, &m_terminal, &Terminal::pay);
+    connect(&m_screens->payment(), &PaymentScreen::formViewChanged, this, &KioskWindow::showPayment);
     connect(&m_screens->receipt(), &ReceiptScreen::closeWanted, &m_terminal, &Terminal::closeReceipt);
     connect(&m_screens->service(), &ServiceScreen::saveWanted, this, &KioskWindow::save);
     connect(&m_screens->service(), &ServiceScreen::closeWanted, &m_terminal, &Terminal::closeService);

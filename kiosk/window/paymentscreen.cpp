@@ -52,6 +52,7 @@ PaymentScreen::PaymentScreen(QWidget *parent)
 {
     connect(m_cancel, &QPushButton::clicked, this, &PaymentScreen::cancelWanted);
     connect(m_pay, &QPushButton::clicked, this, &PaymentScreen::payWanted);
+    connect(this, &PaymentScreen::formViewChanged, this, &PaymentScreen::showBar);
 
     m_bar->setObjectName(QStringLiteral("bottomBar"));
     auto *buttons = new QHBoxLayout(m_bar);
@@ -117,8 +118,8 @@ void PaymentScreen::showBar()
 bool PaymentScreen::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isTold = event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent;
-    if (isTold && watched->isWidgetType() && m_form && m_form->isAncestorOf(static_cast<QWidget *>(watched)))
-        QMetaObject::invokeMethod(this, &PaymentScreen::showBar, Qt::QueuedConnection);
+    if (isTold && m_form && m_form->isAncestorOf(qobject_cast<QWidget *>(watched)))
+        QMetaObject::invokeMethod(this, &PaymentScreen::formViewChanged, Qt::QueuedConnection);
     return false;
 }
 

@@ -46,6 +46,8 @@ public:
 Q_SIGNALS:
     void cancelWanted();
     void payWanted();
+    /// Another view of the form is up.
+    void formViewChanged();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

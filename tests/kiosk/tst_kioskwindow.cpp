@@ -224,6 +224,20 @@ private Q_SLOTS:
         QTEST(shown.isUp("cancelButton"), "canCancel");
     }
 
+    void details_underAMessage_cannotBePaid()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench.showDetails();
+        bench.takeCash("150");
+        const auto *pay = shown.part<QPushButton>("payButton");
+        QVERIFY(pay->isEnabled());
+        bench.form()->addView(new QWidget, QStringLiteral("checking"));
+        WAIT_FOR(pay->isEnabled(), false);
+        bench.form()->showPayDetail();
+        WAIT_FOR(pay->isEnabled(), true);
+    }
+
     void details_touchOfPay_showsTheReceipt()
     {
         TerminalBench bench;

@@ -224,6 +224,25 @@ private Q_SLOTS:
         QCOMPARE(bench->purchase().change().toString(), QStringLiteral("20.00"));
     }
 
+    void pay_whileTheDetailsAreNotTopmost_isRefused()
+    {
+        TerminalBench bench;
+        bench.showDetails();
+        bench.takeCash("150");
+        QVERIFY(bench->canPay());
+        bench.form()->addView(new QWidget, QStringLiteral("checking"));
+        QVERIFY(!bench->canPay());
+        QVERIFY(!bench->pay().isEmpty());
+        QVERIFY(!bench->isCommitting());
+        bench.form()->showPayDetail();
+        QVERIFY(bench->canPay());
+        FormViewer question(nullptr, false, bench.form());
+        question.show();
+        QVERIFY(!bench->canPay());
+        question.hide();
+        QCOMPARE(bench->pay(), QString());
+    }
+
     void cash_onTheDetails_isInTheLedgerWhenItIsShown()
     {
         TerminalBench bench;

@@ -12,7 +12,7 @@
 #include <QElapsedTimer>
 
 namespace kiosk {
-Outcome commitPayment(const PluginHost &host, SessionManager &session, const Payment &payment)
+Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &payment)
 {
     if (host.plugin() == nullptr || !host.plugin()->needPaymentPredProcessing())
         return Outcome::Unconfirmed;
@@ -26,7 +26,10 @@ Outcome commitPayment(const PluginHost &host, SessionManager &session, const Pay
     clock.start();
     host.plugin()->doPaymentPredProcessing(&session, &pack);
     const qint64 elapsed = clock.elapsed();
-    const Outcome outcome = elapsed < limit && watch.isConfirmed() ? Outcome::Confirmed : Outcome::Unconfirmed;
+    const bool isConfirmed = !host.isAwaitingLateAnswer() && elapsed < limit && watch.isConfirmed();
+    if (!isConfirmed)
+        host.setAwaitingLateAnswer();
+    const Outcome outcome = isConfirmed ? Outcome::Confirmed : Outcome::Unconfirmed;
     qCInfo(KIOSK_LOG).noquote() << "payment" << payment.uid() << "of" << payment.total().toString() << toText(outcome)
                                 << "after" << elapsed << "of" << limit << "ms";
     return outcome;

@@ -13,5 +13,6 @@ class PluginHost;
 /// Has the plugin register the payment with the payee. Blocks until the plugin returns; events are processed meanwhile,
 /// so plugin and session must not go before that.
 /// @return Confirmed or Unconfirmed: the plugin tells nothing, so what is not seen to have worked is not known.
-[[nodiscard]] Outcome commitPayment(const PluginHost &host, SessionManager &session, const Payment &payment);
+/// Nor is anything of a root object that still owes the answer to an earlier payment.
+[[nodiscard]] Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &payment);
 } // namespace kiosk

@@ -70,6 +70,7 @@ void PluginHost::renew()
 
 void PluginHost::takeInstance()
 {
+    m_isAwaitingLateAnswer = false;
     QObject *const root = m_loader.instance();
     const auto *const plugin = qobject_cast<IPayByProvider *>(root);
     if (root == nullptr)

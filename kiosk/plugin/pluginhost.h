@@ -40,6 +40,11 @@ public:
     /// The same as the plugin's interface.
     [[nodiscard]] IPayByProvider *plugin() const;
 
+    /// The root object was asked to register a payment, and the payee's answer is not known to have come: it may still
+    /// come, and would look like the answer to a later payment. Until there is another root object.
+    void setAwaitingLateAnswer() { m_isAwaitingLateAnswer = true; }
+    [[nodiscard]] bool isAwaitingLateAnswer() const { return m_isAwaitingLateAnswer; }
+
     /// Deletes the root object, waits until it is gone, and makes another: a plugin may keep a customer's card for as
     /// long as its root object lives. One that has died on its own is replaced likewise.
     void renew();
@@ -58,5 +63,6 @@ private:
     QString m_brokenReason;
     QPointer<QObject> m_root;
     bool m_isRenewing = false;
+    bool m_isAwaitingLateAnswer = false;
 };
 } // namespace kiosk

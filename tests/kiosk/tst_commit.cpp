@@ -63,6 +63,34 @@ private Q_SLOTS:
         QVERIFY(!bench->receipt().isRecovered);
     }
 
+    /// What takes the second message off may be the answer to the first payment.
+    void outcome_behindAnUnconfirmedPayment_isUnconfirmedUntilThePluginIsNew_data()
+    {
+        QTest::addColumn<bool>("isKept");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::newRow("kept") << true << Outcome::Unconfirmed;
+        QTest::newRow("made anew") << false << Outcome::Confirmed;
+    }
+
+    void outcome_behindAnUnconfirmedPayment_isUnconfirmedUntilThePluginIsNew()
+    {
+        QFETCH(bool, isKept);
+        QFETCH(Outcome, outcome);
+        kiosk::TerminalOptions options;
+        options.keepPlugin = isKept;
+        TerminalBench bench(options);
+        for (const char *confirmation : {"left up", "taken off"}) {
+            bench.plan("confirmation", QLatin1String(confirmation));
+            bench->start();
+            WAIT_FOR(bench->screen(), Screen::Form);
+            bench.showDetails();
+            bench.takeCash("150");
+            bench->pay();
+            WAIT_FOR(bench->screen(), Screen::Receipt);
+            QCOMPARE(bench.latest().outcome, confirmation == QByteArray("left up") ? Outcome::Unconfirmed : outcome);
+        }
+    }
+
     /// The root object is gone: before the plugin is asked, or while it is.
     void plugin_thatDiesInACommit_isMadeAnewForTheNextCustomer_data()
     {

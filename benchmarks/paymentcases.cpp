@@ -58,7 +58,7 @@ public:
         Provider provider(PROVIDER, QStringLiteral("Парковка"));
         IPayWidget *form = m_plugin.start(&provider, Currency(), &session);
         m_plugin.showInitScreen();
-        if (static_cast<PluginBaseFormViewer *>(form)->getUi(QStringLiteral("messagesView")) == nullptr)
+        if (dynamic_cast<PluginBaseFormViewer &>(*form).getUi(QStringLiteral("messagesView")) == nullptr)
             throw std::runtime_error("the form has no view for messages");
     }
 
@@ -113,7 +113,7 @@ Operation bare()
 {
     const auto responder = std::make_shared<ClientResponder>();
     responder->configure();
-    const ParkomatCardData card(QVariant(Terminal::cardMap()));
+    const ParkomatCardData card = ParkomatCardData(QVariant(Terminal::cardMap()));
     const ParkInfoPayRequest pay(card, payment(), payment().summ());
     const BareExchange first(responder->port(), QStringLiteral("ParkingCheck"), ParkingCheckRequest(card).toXml());
     const BareExchange second(responder->port(), QStringLiteral("ParkInfoPay"), pay.toXml());

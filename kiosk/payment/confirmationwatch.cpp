@@ -26,7 +26,7 @@ bool ConfirmationWatch::isConfirmed()
 bool ConfirmationWatch::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ChildAdded) {
-        m_newChildren.append(static_cast<QChildEvent *>(event)->child());
+        m_newChildren.append(dynamic_cast<QChildEvent &>(*event).child());
         QMetaObject::invokeMethod(this, &ConfirmationWatch::inspectChildren, Qt::QueuedConnection);
     }
     return QObject::eventFilter(watched, event);

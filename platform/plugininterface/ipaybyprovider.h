@@ -22,6 +22,9 @@ class SessionManager;
 /// How the terminal recognises a plugin of this interface, in the plugin's metadata.
 #define PAY_BY_PROVIDER_IID "org.trelm.terminal.plugins.paybyprovider"
 
+// Some operations take values where a reference would do: that is the interface.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 /// What the terminal asks of a plugin that takes payments for providers of its own.
 ///
 /// The order of the operations is binary interface: plugins built earlier rely on it. Everything is called on the GUI
@@ -32,11 +35,11 @@ public:
     virtual ~IPayByProvider() = default;
 
     // Identity.
-    virtual QString pluginVersion() const = 0;
+    [[nodiscard]] virtual QString pluginVersion() const = 0;
     /// When the plugin was built, ISO 8601 without a zone.
-    virtual QString pluginBuild() const = 0;
+    [[nodiscard]] virtual QString pluginBuild() const = 0;
     /// Numbers of the providers that this plugin takes payments for.
-    virtual QSet<long long> supportedProviders() const = 0;
+    [[nodiscard]] virtual QSet<long long> supportedProviders() const = 0;
 
     // Where the plugin's form sends messages to and takes them from; called before start(). Both are signatures as
     // SIGNAL() and SLOT() make them. @return whether the plugin uses them.
@@ -91,5 +94,6 @@ protected:
     IPayByProvider(const IPayByProvider &) = default;
     IPayByProvider &operator=(const IPayByProvider &) = default;
 };
+// NOLINTEND(performance-unnecessary-value-param)
 
 Q_DECLARE_INTERFACE(IPayByProvider, PAY_BY_PROVIDER_IID)

@@ -29,6 +29,11 @@ FixNumber Purchase::comission() const
 
 FixNumber Purchase::remainder() const
 {
+    return orZero(m_due) - summ();
+}
+
+FixNumber Purchase::toPayIn() const
+{
     return isNothingDue() ? FixNumber() : orZero(m_due + m_comission - m_cash);
 }
 

@@ -38,8 +38,10 @@ public:
     [[nodiscard]] FixNumber total() const { return summ() + comission(); }
     /// Cash beyond the sum due and the comission: it is owed to the customer.
     [[nodiscard]] FixNumber change() const { return m_cash - total(); }
-    /// What is still to be paid in, comission included.
+    /// What the payee is still owed.
     [[nodiscard]] FixNumber remainder() const;
+    /// What is still to be paid in: remainder() and the comission that is set.
+    [[nodiscard]] FixNumber toPayIn() const;
 
 private:
     void setComission(const FixNumber &comission);

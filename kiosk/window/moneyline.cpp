@@ -15,12 +15,12 @@ QString captionText(const Purchase &purchase)
         return QStringLiteral("Оплачивать нечего");
     if (purchase.change() > FixNumber())
         return QStringLiteral("Сдача");
-    return purchase.remainder() > FixNumber() ? QStringLiteral("Осталось внести") : QStringLiteral("Внесена вся сумма");
+    return purchase.toPayIn() > FixNumber() ? QStringLiteral("Осталось внести") : QStringLiteral("Внесена вся сумма");
 }
 
 QString hintText(const Purchase &purchase, bool acceptsCash)
 {
-    if (!purchase.isNothingDue() && purchase.remainder() <= FixNumber())
+    if (!purchase.isNothingDue() && purchase.toPayIn() <= FixNumber())
         return QStringLiteral("Нажмите «Оплатить»");
     return acceptsCash ? QStringLiteral("Внесите купюры") : QStringLiteral("Купюры не принимаются");
 }
@@ -44,7 +44,7 @@ MoneyLine::MoneyLine(QWidget *parent)
 
 void MoneyLine::setPurchase(const Purchase &purchase, const Currency &currency, bool acceptsCash)
 {
-    const FixNumber amount = purchase.change() > FixNumber() ? purchase.change() : purchase.remainder();
+    const FixNumber amount = purchase.change() > FixNumber() ? purchase.change() : purchase.toPayIn();
     m_caption->setText(captionText(purchase));
     m_amount->setText(amountText(amount, currency));
     m_amount->setVisible(!purchase.isNothingDue() && amount > FixNumber());

@@ -38,7 +38,7 @@ bool hasWayOut(const QWidget *form)
 QString payText(const PaymentScreen::State &state)
 {
     // What the button does with part of the sum must be plain before it is touched.
-    if (state.purchase.hasCash() && state.purchase.remainder() > FixNumber())
+    if (state.purchase.hasCash() && state.purchase.toPayIn() > FixNumber())
         return QStringLiteral("Оплатить ") + amountText(state.purchase.cash(), state.currency);
     return QStringLiteral("Оплатить");
 }

@@ -104,6 +104,18 @@ private Q_SLOTS:
         QCOMPARE(entry.remainder.toString(), QStringLiteral("0.00"));
     }
 
+    void commit_withoutTheWholeComission_leavesNothingOwedToThePayee()
+    {
+        Ledger ledger(path());
+        const qint64 uid = openPayment(ledger, 150, 150);
+        Purchase purchase(hundredths(amount(5)));
+        purchase.setDue(QStringLiteral("150.00"));
+        purchase.add(amount(150));
+        ledger.beginCommit(uid, purchase);
+        QCOMPARE(ledger.entry(uid).summ.toString(), QStringLiteral("150.00"));
+        QCOMPARE(ledger.entry(uid).remainder.toString(), QStringLiteral("0.00"));
+    }
+
     void opened_again_settlesWhatWasInProgress()
     {
         qint64 committing = 0;

@@ -56,7 +56,8 @@ bool Terminal::canCancel() const
 
 bool Terminal::acceptsCash() const
 {
-    return m_screen == Screen::Details && !m_isCommitting && !m_isQuitting && !purchase().isNothingDue();
+    // No change is given: a note may be more than what is left to pay in, but none comes behind the whole of it.
+    return m_screen == Screen::Details && !m_isCommitting && !m_isQuitting && purchase().toPayIn() > FixNumber();
 }
 
 QWidget *Terminal::formWidget() const

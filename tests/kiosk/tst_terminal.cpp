@@ -287,6 +287,27 @@ private Q_SLOTS:
         QVERIFY(bench->canCancel());
     }
 
+    void cash_behindTheWholeSum_isRefused_data()
+    {
+        QTest::addColumn<QList<QByteArray>>("notes");
+        QTest::newRow("exactly") << QList<QByteArray>{"100", "50"};
+        QTest::newRow("with change") << QList<QByteArray>{"100", "100"};
+    }
+
+    void cash_behindTheWholeSum_isRefused()
+    {
+        QFETCH(QList<QByteArray>, notes);
+        TerminalBench bench;
+        bench.showDetails();
+        for (const QByteArray &note : notes)
+            QCOMPARE(bench.takeCash(note.constData()), QString());
+        const QString paidIn = bench.latest().cash.toString();
+        QVERIFY(!bench->acceptsCash());
+        QVERIFY(!bench.takeCash("50").isEmpty());
+        QCOMPARE(bench.latest().cash.toString(), paidIn);
+        QVERIFY(bench->canPay());
+    }
+
     void cash_thatTheLedgerCannotTake_isGivenBack()
     {
         TerminalBench bench;

@@ -17,7 +17,8 @@ Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &
     if (host.plugin() == nullptr || !host.plugin()->needPaymentPredProcessing())
         return Outcome::Unconfirmed;
     constexpr qint64 millisecondsOfASecond = 1000;
-    const qint64 limit = TerminalAppSettings().onlineCheckTimeout() * millisecondsOfASecond;
+    // The plugin waits as long: by contract it cuts the seconds to 16 bits.
+    const qint64 limit = static_cast<quint16>(TerminalAppSettings().onlineCheckTimeout()) * millisecondsOfASecond;
     ConfirmationWatch watch(host.root());
     PayPack pack;
     pack.addPayment(payment);

@@ -63,6 +63,28 @@ private Q_SLOTS:
         QVERIFY(!bench->receipt().isRecovered);
     }
 
+    void timeLimit_inSeconds_isCutTo16Bits_data()
+    {
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::newRow("below zero") << -1 << Outcome::Confirmed;
+        QTest::newRow("2^16 and 1") << 65537 << Outcome::Unconfirmed;
+    }
+
+    void timeLimit_inSeconds_isCutTo16Bits()
+    {
+        QFETCH(int, seconds);
+        TerminalAppSettings().setOnlineCheckTimeout(seconds);
+        TerminalBench bench;
+        // More than a second.
+        bench.plan("confirmation", QStringLiteral("late"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QTEST(bench.outcome(), "outcome");
+    }
+
     /// What takes the second message off may be the answer to the first payment.
     void outcome_behindAnUnconfirmedPayment_isUnconfirmedUntilThePluginIsNew_data()
     {

@@ -24,7 +24,7 @@ FixNumber Purchase::summ() const
 
 FixNumber Purchase::comission() const
 {
-    return std::min(m_comission, m_cash - summ());
+    return isNothingDue() ? FixNumber() : std::min(m_comission, m_cash - summ());
 }
 
 FixNumber Purchase::remainder() const

@@ -32,7 +32,8 @@ public:
 
     /// What goes to the payee: the smaller of cash and sum due.
     [[nodiscard]] FixNumber summ() const;
-    /// What the terminal keeps: taken of the cash beyond the sum due, up to the comission that is set.
+    /// What the terminal keeps: taken of the cash beyond the sum due, up to the comission that is set; nothing
+    /// where nothing is due.
     [[nodiscard]] FixNumber comission() const;
     /// summ() and comission() together.
     [[nodiscard]] FixNumber total() const { return summ() + comission(); }

@@ -38,6 +38,8 @@ QString title(const LedgerEntry &payment)
     case Outcome::Committing:
         return QStringLiteral("Подтверждается");
     case Outcome::Confirmed:
+        if (!isAbove(payment.total))
+            return QStringLiteral("Оплачивать нечего");
         return isAbove(payment.remainder) ? QStringLiteral("Оплачено частично") : QStringLiteral("Парковка оплачена");
     case Outcome::Unconfirmed:
         return QStringLiteral("Оплата не подтверждена");

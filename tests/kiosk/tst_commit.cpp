@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QSignalSpy>
 
+using kiosk::LedgerEntry;
 using kiosk::Outcome;
 using kiosk::Terminal;
 using Screen = Terminal::Screen;
@@ -61,6 +62,34 @@ private Q_SLOTS:
         QCOMPARE(bench.outcome(), outcome);
         QCOMPARE(bench.latest().outcome, outcome);
         QVERIFY(!bench->receipt().isRecovered);
+    }
+
+    void commit_ofNothingDueAnyMore_owesTheCashAndAsksNobody_data()
+    {
+        QTest::addColumn<QString>("due");
+        QTest::newRow("zero") << "0.00";
+        QTest::newRow("no number") << "n/a";
+    }
+
+    void commit_ofNothingDueAnyMore_owesTheCashAndAsksNobody()
+    {
+        QFETCH(QString, due);
+        kiosk::TerminalOptions options;
+        options.comission = FixNumber(100, QStringLiteral("5.00"));
+        TerminalBench bench(options);
+        bench.showDetails();
+        bench.takeCash("100");
+        bench.fill("SummToPay", due);
+        bench.signal("needShowPayDetail");
+        bench.signal("needCancel");
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(payCall(bench.takeCalls()), QString());
+        for (const LedgerEntry &entry : {bench.latest(), bench->receipt().payment}) {
+            QCOMPARE(entry.outcome, Outcome::Confirmed);
+            QCOMPARE(entry.total.toString(), QStringLiteral("0.00"));
+            QCOMPARE(entry.change.toString(), QStringLiteral("100.00"));
+            QCOMPARE(entry.remainder.toString(), QStringLiteral("0.00"));
+        }
     }
 
     void timeLimit_inSeconds_isCutTo16Bits_data()

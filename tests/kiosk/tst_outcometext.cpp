@@ -68,6 +68,15 @@ private Q_SLOTS:
         QTEST(OutcomeText::isSettled(payment), "isSettled");
     }
 
+    void texts_whereNothingWasDue_tellOfTheMoneyAlone()
+    {
+        const kiosk::LedgerEntry payment =
+            Samples::payment(Outcome::Confirmed, QStringLiteral("0.00"), QStringLiteral("100.00"));
+        QCOMPARE(OutcomeText::title(payment), QStringLiteral("Оплачивать нечего"));
+        QCOMPARE(OutcomeText::advice(payment, QStringLiteral("112")),
+                 QStringLiteral("Терминал сдачу не выдаёт. Её вернут: запишите номер платежа и позвоните: 112"));
+    }
+
     void changeCaption_ofMoneyThatWasNeverSent_isToBeGivenBack()
     {
         kiosk::LedgerEntry payment;

@@ -22,7 +22,7 @@ QString hintText(const Purchase &purchase, bool acceptsCash)
 {
     if (!purchase.isNothingDue() && purchase.toPayIn() <= FixNumber())
         return QStringLiteral("Нажмите «Оплатить»");
-    return acceptsCash ? QStringLiteral("Внесите купюры") : QStringLiteral("Купюры не принимаются");
+    return acceptsCash ? QStringLiteral("Внесите купюры. Сдача не выдаётся") : QStringLiteral("Купюры не принимаются");
 }
 } // namespace
 

@@ -191,10 +191,10 @@ private Q_SLOTS:
                             const char *rest, const char *hint, const char *pay, bool canPay, bool canCancel) {
             QTest::newRow(name) << due << notes << caption << rest << hint << pay << canPay << canCancel;
         };
-        row("nothing paid in", "150.00", {}, "Осталось внести", "150.00 руб.", "Внесите купюры", "Оплатить", false,
-            true);
-        row("a part", "150.00", {"100"}, "Осталось внести", "50.00 руб.", "Внесите купюры", "Оплатить 100.00 руб.",
-            true, false);
+        row("nothing paid in", "150.00", {}, "Осталось внести", "150.00 руб.", "Внесите купюры. Сдача не выдаётся",
+            "Оплатить", false, true);
+        row("a part", "150.00", {"100"}, "Осталось внести", "50.00 руб.", "Внесите купюры. Сдача не выдаётся",
+            "Оплатить 100.00 руб.", true, false);
         row("all of it", "150.00", {"100", "50"}, "Внесена вся сумма", "", "Нажмите «Оплатить»", "Оплатить", true,
             false);
         row("more than it", "150.00", {"200"}, "Сдача", "50.00 руб.", "Нажмите «Оплатить»", "Оплатить", true, false);

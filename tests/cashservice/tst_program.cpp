@@ -163,6 +163,7 @@ private Q_SLOTS:
             isServed =
                 isServed || resultCode(HttpClient::parkInfoPay(service.port(), Requests::parkInfoPay()).body) == "1",
             limit);
+        QVERIFY(service.allowDescriptorsAgain());
         QCOMPARE(service.endBy(SIGTERM), 0);
         QCOMPARE(service.errors(), QByteArray("cash-service: no descriptor is left for another connection; it was "
                                               "refused, and so will be others, without a word here\n"));

@@ -74,7 +74,8 @@ public:
     }
     [[nodiscard]] bool isPayInFlight() const
     {
-        return unanswered() > 0 && m_service.requests().constLast().line().contains("/ParkInfoPay ");
+        return unanswered() > 0 && !m_service.requests().isEmpty() &&
+               m_service.requests().constLast().line().contains("/ParkInfoPay ");
     }
     /// Answers a request, counted from 0, and lets the plugin see it.
     void answer(int request, const QByteArray &body)

@@ -58,8 +58,11 @@ public:
         int limit = 0;
         for (; more > 0; ++limit)
             more -= QFileInfo(open.arg(limit)).isSymLink() ? 0 : 1;
-        const rlimit limits = {static_cast<rlim_t>(limit), static_cast<rlim_t>(limit)};
-        return prlimit(static_cast<pid_t>(m_process.processId()), RLIMIT_NOFILE, &limits, &m_descriptors) == 0;
+        const auto pid = static_cast<pid_t>(m_process.processId());
+        if (prlimit(pid, RLIMIT_NOFILE, nullptr, &m_descriptors) != 0)
+            return false;
+        const rlimit limits = {static_cast<rlim_t>(limit), m_descriptors.rlim_max};
+        return prlimit(pid, RLIMIT_NOFILE, &limits, nullptr) == 0;
     }
     /// As before allowDescriptors(): the leak checker needs some to look through the process at its end.
     [[nodiscard]] bool allowDescriptorsAgain()

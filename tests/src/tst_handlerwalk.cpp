@@ -36,6 +36,8 @@ private Q_SLOTS:
         const bool hasEnded = child->waitForFinished(LIMIT_MS);
         const QByteArray said = child->readAllStandardOutput();
         const bool isGood = hasEnded && child->exitStatus() == QProcess::NormalExit && child->exitCode() == 0;
+        if (!isGood)
+            std::fputs(said.constData(), stderr);
         QVERIFY2(isGood, qPrintable(QStringLiteral("seed %1:\n%2\n%3")
                                         .arg(seed, QString::fromUtf8(lastLines(said, 12)),
                                              QString::fromUtf8(child->readAllStandardError()))));

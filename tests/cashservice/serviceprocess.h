@@ -58,16 +58,8 @@ public:
         int limit = 0;
         for (; more > 0; ++limit)
             more -= QFileInfo(open.arg(limit)).isSymLink() ? 0 : 1;
-        const auto pid = static_cast<pid_t>(m_process.processId());
-        if (prlimit(pid, RLIMIT_NOFILE, nullptr, &m_descriptors) != 0)
-            return false;
-        const rlimit limits = {static_cast<rlim_t>(limit), m_descriptors.rlim_max};
-        return prlimit(pid, RLIMIT_NOFILE, &limits, nullptr) == 0;
-    }
-    /// As before allowDescriptors(): the leak checker needs some to look through the process at its end.
-    [[nodiscard]] bool allowDescriptorsAgain()
-    {
-        return prlimit(static_cast<pid_t>(m_process.processId()), RLIMIT_NOFILE, &m_descriptors, nullptr) == 0;
+        const rlimit limits = {static_cast<rlim_t>(limit), static_cast<rlim_t>(limit)};
+        return prlimit(static_cast<pid_t>(m_process.processId()), RLIMIT_NOFILE, &limits, nullptr) == 0;
     }
 
     [[nodiscard]] QByteArray errors() { return m_process.readAllStandardError(); }
@@ -76,6 +68,5 @@ private:
     static constexpr int LIMIT = 60'000;
 
     QProcess m_process;
-    rlimit m_descriptors = {};
     QByteArray m_firstLine;
 };

@@ -139,39 +139,6 @@ private Q_SLOTS:
         QCOMPARE(service.errors(), QByteArray());
     }
 
-    void descriptors_thatRunOut_costNewConnectionsAlone()
-    {
-        // At its end the leak checker would want a descriptor of its own.
-        const QByteArray options = qgetenv("ASAN_OPTIONS");
-        qputenv("ASAN_OPTIONS", options + ":detect_leaks=0");
-        ServiceProcess service;
-        qputenv("ASAN_OPTIONS", options);
-        QVERIFY(service.allowDescriptors(3));
-        const QByteArray request = HttpClient::request("POST", "/api/ParkInfoPay", Requests::parkInfoPay());
-        std::vector<std::unique_ptr<HttpClient>> clients;
-        for (int i = 0; i < 3; ++i) {
-            clients.push_back(std::make_unique<HttpClient>(service.port()));
-            clients.back()->send(request);
-            QCOMPARE(resultCode(clients.back()->read().body), QByteArray("1"));
-        }
-        for (int i = 0; i < 3; ++i) {
-            HttpClient late(service.port());
-            QCOMPARE(late.read().status, 503);
-            clients.front()->send(request);
-            QCOMPARE(resultCode(clients.front()->read().body), QByteArray("1"));
-        }
-        clients.clear();
-        constexpr int limit = 30'000;
-        bool isServed = false; // QTRY_VERIFY asks again after it has got its answer
-        QTRY_VERIFY_WITH_TIMEOUT(
-            isServed =
-                isServed || resultCode(HttpClient::parkInfoPay(service.port(), Requests::parkInfoPay()).body) == "1",
-            limit);
-        QCOMPARE(service.endBy(SIGTERM), 0);
-        QCOMPARE(service.errors(), QByteArray("cash-service: no descriptor is left for another connection; it was "
-                                              "refused, and so will be others, without a word here\n"));
-    }
-
     void options_given_areObeyed()
     {
         QFile park(inWorkDirectory("park.yaml"));

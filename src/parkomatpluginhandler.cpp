@@ -4,6 +4,7 @@
 
 #include "bus/logger.h"
 #include "bus/logvariant.h"
+#include "cardinputs.h"
 #include "core/payment.h"
 #include "core/paypack.h"
 #include "core/provider.h"
@@ -12,11 +13,11 @@
 #include "guiclient/formproject.h"
 #include "guiclient/widgetnames.h"
 #include "parkinfopayrequest.h"
+#include "parkingcharge.h"
 #include "parkingcheckrequest.h"
 #include "parkomataccessmanager.h"
 #include "parkomatlog.h"
 #include "parkomatpluginsettingswidget.h"
-#include "parkomatsettings.h"
 #include "payresponsewait.h"
 
 #include <QDataStream>
@@ -49,14 +50,6 @@ constexpr int PLUGIN_ID = 2023;
 // The form viewers' name for the view that shows messages.
 const char MESSAGES_VIEW[] = "messagesView";
 
-// The host's kinds of message, and its exit codes.
-constexpr int KIND_WAIT = 0;
-constexpr int KIND_ERROR = 1;
-constexpr int KIND_PROMPT = 2;
-constexpr int KIND_QUESTION = 110;
-constexpr int EXIT_YES = 1;
-constexpr int EXIT_PROMPT_OK = 3;
-
 // Seconds that a message stays up before it closes by itself.
 constexpr int WAIT_CARD_SECONDS = 30;
 constexpr int CANCEL_QUESTION_SECONDS = 15;
@@ -64,11 +57,6 @@ constexpr int CONFIRMATION_SECONDS = 30;
 
 // Milliseconds.
 constexpr int DETAILS_DELAY = 2000;
-
-// Keys of the session's data: what the plugin leaves for its own later stage.
-const char PARCOMAT_DATA[] = "parcomatData";
-const char CARD_DATA[] = "cardData";
-const char TOTAL_CHARGE[] = "totalCharge";
 
 /// Stands in for the payload that only a card reader can read.
 const char MANUAL_PDATA[] = "01312211020202190000000100000000";
@@ -88,16 +76,6 @@ void hideAndRelease(QPointer<Widget> &widget)
     if (widget)
         widget->hide();
     release(widget);
-}
-
-ProviderParameter inputParameter(const char *name, const QString &label, const char *keyboardType)
-{
-    ProviderParameter parameter;
-    parameter.setName(QLatin1String(name));
-    parameter.setLabel(label);
-    parameter.setCheckLabel(QString());
-    parameter.setKeyboardType(QLatin1String(keyboardType));
-    return parameter;
 }
 } // namespace
 
@@ -255,7 +233,8 @@ void ParkomatPluginHandler::releaseMessage(QPointer<MessageWidgetController> &co
     // One that is released inside a nested event loop lives on until that loop has ended: it has nothing more to say.
     if (controller) {
         controller->disconnect(this);
-        controller->disconnect(m_formViewer);
+        if (m_formViewer) // no receiver at all would be everybody's
+            controller->disconnect(m_formViewer);
     }
     release(controller);
 }
@@ -318,7 +297,7 @@ QPointer<MessageWidgetController> ParkomatPluginHandler::loadPermitCancelMessage
 {
     QPointer<MessageWidgetController> controller = loadHelperMessagesView();
     controller->initMessage(QStringLiteral("Все данные будут потеряны. Продолжить отмену платежа?"),
-                            CANCEL_QUESTION_SECONDS, KIND_QUESTION);
+                            CANCEL_QUESTION_SECONDS, MessageWidgetController::YesNo);
     return controller;
 }
 
@@ -333,7 +312,7 @@ void ParkomatPluginHandler::permitCancel()
 
 void ParkomatPluginHandler::permitCancelMessageResult(int exitCode)
 {
-    if (exitCode == EXIT_YES)
+    if (exitCode == MessageWidgetController::Yes)
         cancelAcceptHandler();
     else
         hideHelperMessagesView();
@@ -364,7 +343,7 @@ void ParkomatPluginHandler::showInitScreen()
 {
     const QPointer<MessageWidgetController> controller = loadMessagesView();
     controller->initMessageSingleSignalMode(QStringLiteral("Приложите парковочную карту"), WAIT_CARD_SECONDS,
-                                            KIND_PROMPT);
+                                            MessageWidgetController::Prompt);
     controller->setOkCaption(QStringLiteral("Ввести\nвручную"));
     connect(controller, SIGNAL(finish(int)), this, SLOT(waitCardMsgHandler(int)));
 
@@ -382,7 +361,7 @@ void ParkomatPluginHandler::showInitScreen()
 
 void ParkomatPluginHandler::waitCardMsgHandler(int code)
 {
-    if (code == EXIT_PROMPT_OK)
+    if (code == MessageWidgetController::PromptOk)
         showCardNumberInputScreen();
     else
         exitFromMessage();
@@ -413,8 +392,8 @@ void ParkomatPluginHandler::showInputScreen(const ProviderParameter &parameter, 
 
 void ParkomatPluginHandler::showCardNumberInputScreen()
 {
-    showInputScreen(inputParameter("id", QStringLiteral("Введите номер карты"), "number"), m_formViewer,
-                    SIGNAL(needCancel()), SLOT(cardNumberInputHandler(QString)));
+    showInputScreen(CardInputs::cardNumber(), m_formViewer, SIGNAL(needCancel()),
+                    SLOT(cardNumberInputHandler(QString)));
 }
 
 void ParkomatPluginHandler::cardNumberInputHandler(QString text)
@@ -428,9 +407,7 @@ void ParkomatPluginHandler::cardNumberInputHandler(QString text)
 
 void ParkomatPluginHandler::showCardUidInputScreen()
 {
-    ProviderParameter parameter = inputParameter("uid", QStringLiteral("Введите UID карты"), "full");
-    parameter.setKeyboardLanguage(QStringLiteral("en"));
-    showInputScreen(parameter, this, SLOT(showCardNumberInputScreen()), SLOT(cardUidInputHandler(QString)));
+    showInputScreen(CardInputs::cardUid(), this, SLOT(showCardNumberInputScreen()), SLOT(cardUidInputHandler(QString)));
 }
 
 void ParkomatPluginHandler::cardUidInputHandler(QString uid)
@@ -445,8 +422,7 @@ void ParkomatPluginHandler::cardUidInputHandler(QString uid)
 
 void ParkomatPluginHandler::showCarNumberInputScreen()
 {
-    const QString label = QStringLiteral("Номер карты: %1. Введите номер автомобиля.").arg(m_cardData.id());
-    showInputScreen(inputParameter("car_number", label, "number"), m_formViewer, SIGNAL(needCancel()),
+    showInputScreen(CardInputs::carNumber(m_cardData.id()), m_formViewer, SIGNAL(needCancel()),
                     SLOT(carNumberInputHandler(QString)));
 }
 
@@ -460,7 +436,7 @@ void ParkomatPluginHandler::sendParkingCheckRequest()
     m_accessManager->postData(ParkingCheckRequest(m_cardData));
     const QPointer<MessageWidgetController> controller = loadMessagesView();
     controller->initMessageSingleSignalMode(QStringLiteral("Проверка информации, подождите..."),
-                                            TerminalAppSettings().onlineCheckTimeout(), KIND_WAIT);
+                                            TerminalAppSettings().onlineCheckTimeout(), MessageWidgetController::Wait);
     connect(controller, SIGNAL(finish(int)), this, SLOT(exitFromMessageCode(int)));
     if (m_formViewer)
         connect(controller, SIGNAL(tick()), m_formViewer, SIGNAL(needTick()));
@@ -478,38 +454,17 @@ void ParkomatPluginHandler::parkingCheckResponseHandler(ParkingCheckResponse res
         QTimer::singleShot(DETAILS_DELAY, m_formViewer.data(), &PluginBaseFormViewer::needShowPayDetail);
 }
 
-std::optional<QString> ParkomatPluginHandler::parameterValue(const QString &name) const
-{
-    const ParkingCheckResponse &response = m_lastCheckResponse;
-    if (name == QLatin1String("card_num"))
-        return m_cardData.id();
-    if (name == QLatin1String("SummToPay"))
-        return response.totalCharge().toString();
-    if (name == QLatin1String("TermNo"))
-        return ParkomatSettings().termId();
-    if (name == QLatin1String("ParkNumber"))
-        return ParkomatSettings().parkingId();
-    if (name == QLatin1String("StartDate"))
-        return response.startTime().date().toString(QStringLiteral("yyyy-MM-dd"));
-    if (name == QLatin1String("StartTime"))
-        return response.startTime().time().toString(QStringLiteral("hh:mm:ss"));
-    if (name == QLatin1String("UIN"))
-        return response.sessionId();
-    return std::nullopt;
-}
-
 void ParkomatPluginHandler::fillProviderParameters()
 {
+    const ParkingCharge charge(m_cardData, m_lastCheckResponse);
     QList<ProviderParameter> parameters = m_provider ? m_provider->parameters() : QList<ProviderParameter>();
     for (ProviderParameter &parameter : parameters) {
-        if (const std::optional<QString> value = parameterValue(parameter.name()))
+        if (const std::optional<QString> value = charge.parameterValue(parameter.name()))
             parameter.setValue(*value);
     }
     if (m_sessionManager) {
         QVariantMap data = m_sessionManager->pluginsData();
-        data.insert(QLatin1String(PARCOMAT_DATA),
-                    QVariantMap{{QLatin1String(CARD_DATA), m_cardData.toMap()},
-                                {QLatin1String(TOTAL_CHARGE), m_lastCheckResponse.totalCharge().toString()}});
+        charge.keepIn(data);
         m_sessionManager->setPluginsData(data);
     }
     if (m_provider)
@@ -521,7 +476,8 @@ void ParkomatPluginHandler::parkomatAccessManagerErrorHandler(QVariantMap error)
     const QPointer<MessageWidgetController> controller = loadMessagesView();
     // The text alone, without a word of whose it is. During a confirmation the wait for an answer goes on behind it.
     controller->initMessageSingleSignalMode(error.value(QStringLiteral("errorMessage")).toString(),
-                                            TerminalAppSettings().autoCloseMessagesAfter(), KIND_ERROR);
+                                            TerminalAppSettings().autoCloseMessagesAfter(),
+                                            MessageWidgetController::Error);
     connect(controller, SIGNAL(finish(int)), this, SLOT(exitFromMessageCode(int)));
 }
 
@@ -548,14 +504,12 @@ void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager * /*session*/
     }
 
     loadMessagesView()->initMessageSingleSignalMode(QStringLiteral("Выполняется подтверждение операции..."),
-                                                    CONFIRMATION_SECONDS, KIND_WAIT);
+                                                    CONFIRMATION_SECONDS, MessageWidgetController::Wait);
     createParkingAccessManager();
-    const QVariantMap data =
-        m_sessionManager ? m_sessionManager->pluginsData().value(QLatin1String(PARCOMAT_DATA)).toMap() : QVariantMap();
+    const auto kept = ParkingCharge::keptIn(m_sessionManager ? m_sessionManager->pluginsData() : QVariantMap());
     // What the session holds is the card of this payment, whichever was read last.
-    m_cardData.parseMap(data.value(QLatin1String(CARD_DATA)).toMap());
-    const FixNumber totalCharge(100, data.value(QLatin1String(TOTAL_CHARGE)).toString());
-    m_accessManager->postData(ParkInfoPayRequest(m_cardData, merged, totalCharge));
+    m_cardData.parseMap(kept.card);
+    m_accessManager->postData(ParkInfoPayRequest(m_cardData, merged, kept.total));
     PayResponseWait(*this, m_isPayResponseArrived).run();
 }
 

@@ -20,8 +20,6 @@
 #include <QPointer>
 #include <QVariantMap>
 
-#include <optional>
-
 class ParkomatAccessManager;
 class ParkomatPluginSettingsWidget;
 
@@ -122,7 +120,6 @@ private:
     void checkPluginViewLoadHelper();
     void sendParkingCheckRequest();
     void fillProviderParameters();
-    [[nodiscard]] std::optional<QString> parameterValue(const QString &name) const;
 
     QPointer<Provider> m_provider;
     QPointer<SessionManager> m_sessionManager;

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QMetaMethod>
+#include <QSignalSpy>
 
 #include <functional>
 #include <vector>
@@ -323,6 +324,21 @@ private Q_SLOTS:
             TestClock::skip(LATER_MS);
         });
         QCOMPARE(payment.unanswered(), 0);
+    }
+
+    // A host that watches a message keeps its connections to it, whatever has become of the form.
+    void message_releasedWithoutForm_keepsTheConnectionsOfOthers()
+    {
+        FragilePayment payment;
+        payment.start();
+        readCard(payment);
+        auto *const controller = payment.handler()->findChild<MessageWidgetController *>();
+        QVERIFY(controller != nullptr);
+        const QSignalSpy destroyed(controller, &QObject::destroyed);
+        payment.loseForm();
+        fail(payment);
+        payment.settle();
+        QCOMPARE(destroyed.size(), 1);
     }
 
     void controller_diesInsideItsOwnSignal_isDoneWithout_data()

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "guiclient/defaultmessageview.h"
 
+#include "guiclient/captionbutton.h"
 #include "guiclient/messagetext.h"
 #include "guiclient/waitindicator.h"
 
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -32,9 +32,7 @@ DefaultMessageView::DefaultMessageView(QWidget *parent) : QWidget(parent)
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(24);
     for (const char *name : {"cancelButton", "noButton", "yesButton", "okButton"}) {
-        auto *button = named(new QPushButton(this), name);
-        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-        buttons->addWidget(button);
+        buttons->addWidget(named(new CaptionButton(this), name), 1);
     }
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(48, 40, 48, 40);

@@ -44,6 +44,7 @@ FormViewer #sumDue { font-size: 96px; }
 FormViewer #paidIn { font-size: 40px; }
 FormViewer #parameterLabel { color: #3d4a57; font-size: 30px; font-weight: normal; }
 FormViewer #parameterValue { font-size: 30px; }
+FormViewer #phone { font-size: 28px; font-weight: normal; }
 FormViewer QScrollArea, FormViewer #parameters { background: transparent; border: none; }
 FormViewer QScrollBar:vertical { background: #dde5ed; width: 28px; border-radius: 14px; }
 FormViewer QScrollBar::handle:vertical { background: #5d6f80; min-height: 64px; border-radius: 14px; }

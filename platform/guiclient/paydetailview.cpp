@@ -29,15 +29,13 @@ QString labelOf(const ProviderParameter &parameter)
 
 PayDetailView::PayDetailView(QWidget *parent)
     : QWidget(parent), m_sumDue(makeText("sumDue", Qt::AlignCenter)), m_paidIn(makeText("paidIn", Qt::AlignCenter)),
-      m_phone(new QLabel), m_parameters(new QWidget), m_grid(new QGridLayout(m_parameters))
+      m_phone(makeText("phone", Qt::AlignCenter)), m_parameters(new QWidget), m_grid(new QGridLayout(m_parameters))
 {
     m_parameters->setObjectName(QStringLiteral("parameters"));
     m_grid->setContentsMargins(0, 0, 0, 0);
     m_grid->setVerticalSpacing(10);
     m_grid->setColumnStretch(0, 1);
     m_grid->setColumnStretch(1, 1);
-    m_phone->setObjectName(QStringLiteral("phone"));
-    m_phone->setAlignment(Qt::AlignCenter);
     m_phone->setContentsMargins(0, 8, 0, 0);
     m_phone->hide();
     auto *caption = new QLabel(QStringLiteral("К оплате"));

@@ -9,7 +9,6 @@
 
 class MessageText;
 class QGridLayout;
-class QLabel;
 
 /// The payment's details: what is due, what has been paid in, and the parameters of the payment.
 class PayDetailView : public QWidget
@@ -38,7 +37,7 @@ private:
 
     MessageText *m_sumDue;
     MessageText *m_paidIn;
-    QLabel *m_phone;
+    MessageText *m_phone;
     QWidget *m_parameters;
     QGridLayout *m_grid;
     QVector<Row> m_rows;

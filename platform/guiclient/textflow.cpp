@@ -34,6 +34,16 @@ void TextFlow::layOut(int width, const QTextOption &option)
     m_height = static_cast<int>(std::ceil(y));
 }
 
+QString TextFlow::lines() const
+{
+    QStringList lines;
+    for (int i = 0; i < m_layout.lineCount(); ++i) {
+        const QTextLine line = m_layout.lineAt(i);
+        lines.append(m_layout.text().mid(line.textStart(), line.textLength()).remove(QChar::LineSeparator).trimmed());
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
 void TextFlow::draw(QPainter &painter, const QPoint &top) const
 {
     m_layout.draw(&painter, top, {}, painter.clipBoundingRect());

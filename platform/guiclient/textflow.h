@@ -17,6 +17,8 @@ public:
     [[nodiscard]] int height() const { return m_height; }
     /// Whether a word is longer than a line.
     [[nodiscard]] bool breaksWords() const { return m_breaksWords; }
+    /// The text with a line break wherever a line ends.
+    [[nodiscard]] QString lines() const;
     /// @param top where the first line begins. Lines outside of the painter's clip are left out.
     void draw(QPainter &painter, const QPoint &top) const;
 

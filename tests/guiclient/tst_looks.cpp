@@ -18,9 +18,10 @@
 
 namespace {
 const QStringList VIEWS{
-    QStringLiteral("wait"),    QStringLiteral("wait-card"),    QStringLiteral("error"),   QStringLiteral("question"),
-    QStringLiteral("long"),    QStringLiteral("one-word"),     QStringLiteral("number"),  QStringLiteral("full"),
-    QStringLiteral("details"), QStringLiteral("long-details"), QStringLiteral("nothing"),
+    QStringLiteral("wait"),         QStringLiteral("wait-card"), QStringLiteral("error"),
+    QStringLiteral("question"),     QStringLiteral("long"),      QStringLiteral("one-word"),
+    QStringLiteral("number"),       QStringLiteral("full"),      QStringLiteral("details"),
+    QStringLiteral("long-details"), QStringLiteral("nothing"),   QStringLiteral("long-caption"),
 };
 const QList<QSize> SIZES{{1024, 768}, {1280, 1024}, {1080, 1920}, {1024, 660}};
 
@@ -68,13 +69,16 @@ private:
             say(longText(), 10, Controller::Prompt);
         else if (view == QLatin1String("one-word"))
             say(QString(2000, QLatin1Char('W')), 10, Controller::Error);
-        else if (view == QLatin1String("number"))
+        else if (view == QLatin1String("long-caption")) {
+            say(QStringLiteral("Приложите парковочную карту"), 30, Controller::Prompt);
+            message.setOkCaption(QStringLiteral("Ввести номер карты вручную, если карта не читается & нет другой"));
+        } else if (view == QLatin1String("number"))
             input.setParameter(provider.name(), Views::cardNumber(), false);
         else if (view == QLatin1String("full"))
             input.setParameter(provider.name(), Views::cardUid(), false);
         else if (view == QLatin1String("details") || view == QLatin1String("long-details")) {
             provider.setParameters(Views::filledParameters());
-            viewer.setInfo({15, {}, {}, QStringLiteral("8 800 100-20-30")});
+            viewer.setInfo({15, {}, {}, phone(view)});
             viewer.setPaidIn(FixNumber(100, 10000));
             if (view == QLatin1String("long-details"))
                 provider.setParameters({Views::parameter("SummToPay", {}, QStringLiteral("92233720368547758.07")),
@@ -82,6 +86,12 @@ private:
                                         Views::parameter("b", QStringLiteral("Код"), QString(500, QLatin1Char('W')))});
             viewer.showPayDetail();
         }
+    }
+
+    static QString phone(const QString &view)
+    {
+        const QString one = QStringLiteral("8 800 100-20-30");
+        return view == QLatin1String("long-details") ? (one + QLatin1String(", ")).repeated(8) + one : one;
     }
 
     void say(const QString &text, int seconds, int kind)
@@ -192,9 +202,10 @@ QString faultOf(QWidget *part, const QImage &picture)
     if (text == nullptr && qobject_cast<WaitIndicator *>(part) == nullptr &&
         qobject_cast<QLineEdit *>(part) == nullptr) {
         const QSize needed = part->sizeHint();
-        if (place.width() < needed.width() && qobject_cast<QAbstractButton *>(part) == nullptr)
+        if (place.width() < needed.width() && !part->hasHeightForWidth())
             return QStringLiteral("narrower than its text");
-        if (place.height() < needed.height())
+        const int height = part->hasHeightForWidth() ? part->heightForWidth(place.width()) : needed.height();
+        if (place.height() < height)
             return QStringLiteral("lower than its text");
     }
     if (!isScrolled(part) && qobject_cast<QLineEdit *>(part) == nullptr && contrast(picture.copy(place)) < 4.5)

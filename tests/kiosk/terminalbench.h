@@ -9,6 +9,7 @@
 #include "terminal.h"
 #include "view/view.h"
 
+#include "support/messagelog.h"
 #include "support/waiting.h"
 #include "support/workdirectory.h"
 
@@ -43,6 +44,24 @@ public:
     TerminalBench &operator=(const TerminalBench &) = delete;
 
     [[nodiscard]] static QString ledgerPath() { return WorkDirectory::path() + QStringLiteral("/ledger.db"); }
+    /// Options of a terminal whose customer seems to have gone after so many seconds.
+    [[nodiscard]] static kiosk::TerminalOptions inactivity(int seconds)
+    {
+        kiosk::TerminalOptions options;
+        options.inactivitySeconds = seconds;
+        return options;
+    }
+    /// The texts of the critical lines in the log so far; the others are forgotten.
+    [[nodiscard]] static QStringList takeCriticalLines()
+    {
+        QStringList texts;
+        const QList<LogLine> lines = MessageLog::take();
+        for (const LogLine &line : lines) {
+            if (line.level == QtCriticalMsg)
+                texts.append(line.text);
+        }
+        return texts;
+    }
 
     kiosk::Terminal *operator->() const { return m_terminal.get(); }
     [[nodiscard]] kiosk::Terminal &terminal() const { return *m_terminal; }

@@ -325,9 +325,7 @@ private Q_SLOTS:
 
     void inactivity_insideACommit_standsStill()
     {
-        kiosk::TerminalOptions options;
-        options.inactivitySeconds = 1;
-        TerminalBench bench(options);
+        TerminalBench bench(TerminalBench::inactivity(1));
         bench.plan("confirmation", QStringLiteral("held"));
         bench.showDetails();
         bench.takeCash("150");

@@ -17,16 +17,16 @@
 #include <unistd.h>
 
 namespace {
-// Outlive the root objects: each customer has another.
+// Outlive the root objects: each customer has another. The last one dies with the library, when statics are gone.
 QStringList &calls()
 {
-    static QStringList all;
-    return all;
+    static auto *const all = new QStringList;
+    return *all;
 }
 QVariantMap &plans()
 {
-    static QVariantMap all;
-    return all;
+    static auto *const all = new QVariantMap;
+    return *all;
 }
 QPointer<QEventLoop> heldLoop;
 

@@ -3,68 +3,16 @@
 #include "guiclient/formviewer.h"
 
 #include "core/sessionmanager.h"
-#include "guiclient/defaultmessageview.h"
 #include "guiclient/guistyle.h"
-#include "guiclient/messagetext.h"
 #include "guiclient/waitindicator.h"
+#include "page.h"
 #include "support/testcase.h"
-#include "support/waiting.h"
-#include "support/workdirectory.h"
-#include "views.h"
 
 #include <QApplication>
-#include <QDialog>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QStackedWidget>
-#include <QVBoxLayout>
 
 #include <functional>
 
 Q_DECLARE_METATYPE(std::function<void(FormViewer &, QWidget *, QWidget *)>)
-
-namespace {
-const QString ONE = QStringLiteral("one");
-const QString TWO = QStringLiteral("two");
-
-/// A view with one line and one button.
-class Page : public QWidget
-{
-public:
-    Page() : line(new QLineEdit(this)), button(new QPushButton(this))
-    {
-        auto *layout = new QVBoxLayout(this);
-        layout->addWidget(line);
-        layout->addWidget(button);
-        connect(button, &QPushButton::clicked, this, [this] { ++clicks; });
-        setFocusProxy(line);
-    }
-
-    QLineEdit *line;
-    QPushButton *button;
-    int clicks = 0;
-};
-
-QString written(const QByteArray &bytes, const QString &name = QStringLiteral("view.ui"))
-{
-    const QString path = WorkDirectory::path() + QLatin1Char('/') + name;
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("%s was not written", qPrintable(path));
-    return path;
-}
-
-/// A touch at that place of the window, for whatever is there.
-void touch(QWidget &window, const QPoint &place)
-{
-    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, place);
-}
-
-QPoint middleOf(const QWidget *part)
-{
-    return part->mapTo(part->window(), part->rect().center());
-}
-} // namespace
 
 /// Views come and go; one at most is up.
 class FormViewerTest : public TestCase
@@ -235,101 +183,6 @@ private Q_SLOTS:
         QVERIFY(!indicator->isVisible());
     }
 
-    // Files
-
-    void file_good_isLoadedAndShown()
-    {
-        FormViewer viewer;
-        viewer.addView(new Page, TWO);
-        QVERIFY(viewer.loadFromFile(written(Views::messageUi()), ONE,
-                                    {{QStringLiteral("windowTitle"), QStringLiteral("t")}}));
-        QWidget *view = viewer.getUi(ONE);
-        QVERIFY(view != nullptr);
-        QCOMPARE(viewer.currentView(), ONE);
-        QVERIFY(viewer.getUi(TWO)->isHidden());
-        QCOMPARE(view->windowTitle(), QStringLiteral("t"));
-        QVERIFY(view->findChild<QPushButton *>(QStringLiteral("okButton")) != nullptr);
-    }
-
-    void file_withThisLibrarysClasses_makesThem()
-    {
-        FormViewer viewer;
-        const QByteArray ui = "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"w\">"
-                              "<widget class=\"MessageText\" name=\"a\"/><widget class=\"WaitIndicator\" name=\"b\"/>"
-                              "<widget class=\"QLabel\" name=\"messageText\"/></widget></ui>";
-        QVERIFY(viewer.loadFromFile(written(ui), ONE, {}));
-        const QWidget *view = viewer.getUi(ONE);
-        QVERIFY(view->findChild<MessageText *>(QStringLiteral("a")) != nullptr);
-        QVERIFY(view->findChild<WaitIndicator *>(QStringLiteral("b")) != nullptr);
-        // A label that a form has for the message holds a text of any length.
-        QVERIFY(view->findChild<MessageText *>(QStringLiteral("messageText")) != nullptr);
-    }
-
-    void file_ofADialog_isAViewLikeOthers()
-    {
-        FormViewer viewer;
-        viewer.show();
-        QVERIFY(
-            viewer.loadFromFile(written("<ui version=\"4.0\"><widget class=\"QDialog\" name=\"d\"/></ui>"), ONE, {}));
-        QVERIFY(!viewer.getUi(ONE)->isWindow());
-        QCOMPARE(viewer.getUi(ONE)->size(), viewer.size());
-    }
-
-    void file_missing_loadsNothing_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::newRow("no file") << QStringLiteral("/nowhere/messageview.ui");
-        QTest::newRow("a folder") << QStringLiteral("/");
-        QTest::newRow("no path") << QString();
-    }
-
-    void file_missing_loadsNothing()
-    {
-        QFETCH(QString, path);
-        FormViewer viewer;
-        viewer.addView(new Page, TWO);
-        QVERIFY(!viewer.loadFromFile(path, ONE, {}));
-        QVERIFY(viewer.getUi(ONE) == nullptr);
-        QCOMPARE(viewer.currentView(), TWO);
-    }
-
-    void file_unusable_givesTheBuiltInViewAndALine_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("no XML") << QByteArray("not at all");
-        QTest::newRow("cut off") << Views::messageUi().left(200);
-        QTest::newRow("another document") << QByteArray("<html><body/></html>");
-        QTest::newRow("no widget") << QByteArray("<ui version=\"4.0\"/>");
-        QTest::newRow("unknown root class")
-            << QByteArray("<ui version=\"4.0\"><widget class=\"Nothing\" name=\"n\"/></ui>");
-        QTest::newRow("zeros") << QByteArray(1000, '\0');
-    }
-
-    void file_unusable_givesTheBuiltInViewAndALine()
-    {
-        QFETCH(QByteArray, bytes);
-        FormViewer viewer;
-        viewer.show();
-        const QString path = written(bytes);
-        QVERIFY(viewer.loadFromFile(path, ONE, {}));
-        QVERIFY(qobject_cast<DefaultMessageView *>(viewer.getUi(ONE)) != nullptr);
-        QCOMPARE(viewer.currentView(), ONE);
-        QVERIFY(viewer.getUi(ONE)->isVisible());
-        int ours = 0;
-        const QList<LogLine> lines = MessageLog::take();
-        for (const LogLine &line : lines) {
-            if (line.category != QStringLiteral("terminal.guiclient"))
-                continue;
-            ++ours;
-            QCOMPARE(line.level, QtWarningMsg);
-            QVERIFY2(line.text.contains(path), qPrintable(line.text));
-            QVERIFY2(!line.text.contains(path + QStringLiteral(": .")), qPrintable(line.text));
-            QVERIFY(line.text.contains(QStringLiteral("put the form project's file back")));
-        }
-        QCOMPARE(ours, 1);
-    }
-
     // Place
 
     void viewer_withAParent_coversIt()
@@ -452,121 +305,6 @@ private Q_SLOTS:
         }
         viewer.removeView(one);
         QVERIFY(one->layout()->isEnabled());
-    }
-
-    // Touch and keys
-
-    void hiddenView_getsNeitherTouchNorKeys()
-    {
-        FormViewer viewer;
-        viewer.resize(800, 600);
-        auto *one = new Page;
-        auto *two = new Page;
-        viewer.addView(one, ONE);
-        viewer.addView(two, TWO);
-        viewer.show();
-        viewer.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&viewer));
-        touch(viewer, middleOf(two->button));
-        QTest::keyClick(viewer.windowHandle(), '2');
-        viewer.showWidget(ONE);
-        touch(viewer, middleOf(one->button));
-        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral(" "));
-        one->line->setFocus();
-        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("1"));
-        QCOMPARE(one->clicks, 2);
-        QCOMPARE(two->clicks, 1);
-        QCOMPARE(one->line->text(), QStringLiteral("1"));
-        one->hide();
-        touch(viewer, middleOf(one->button));
-        if (QApplication::focusWidget() != nullptr)
-            QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("3"));
-        QCOMPARE(one->clicks + two->clicks, 3);
-        QVERIFY(!one->line->text().contains(QLatin1Char('3')) && !two->line->text().contains(QLatin1Char('3')));
-    }
-
-    void coveredViewer_getsNeitherTouchNorKeys()
-    {
-        FormViewer below;
-        below.resize(800, 600);
-        auto *form = new Page;
-        below.addView(form, ONE);
-        below.show();
-        below.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&below));
-        QCOMPARE(QApplication::focusWidget(), form->line);
-
-        auto *above = new FormViewer(nullptr, false, &below);
-        auto *question = new Page;
-        above->addView(question, TWO);
-        above->show();
-        QTest::keyClick(below.windowHandle(), 'a');
-        touch(below, middleOf(form->button));
-        for (int i = 0; i < 5; ++i) {
-            QTest::keyClick(below.windowHandle(), Qt::Key_Tab);
-            QVERIFY(above->isAncestorOf(QApplication::focusWidget()));
-        }
-        // What goes on below does not take the keys away.
-        below.showWidget(ONE);
-        auto *another = new Page;
-        below.addView(another, QStringLiteral("three"));
-        QVERIFY(above->isAncestorOf(QApplication::focusWidget()));
-        QVERIFY(above->isAncestorOf(below.childAt(400, 300)));
-        below.showWidget(ONE);
-
-        above->hide();
-        QCOMPARE(form->clicks, 0);
-        QCOMPARE(form->line->text(), QString());
-        QCOMPARE(QApplication::focusWidget(), form->line);
-        QTest::keyClick(below.windowHandle(), 'b');
-        QCOMPARE(form->line->text(), QStringLiteral("b"));
-    }
-
-    void doubleTap_secondHalf_doesNotReachTheNextView()
-    {
-        FormViewer viewer;
-        viewer.resize(800, 600);
-        auto *one = new Page;
-        auto *two = new Page;
-        viewer.addView(two, TWO);
-        viewer.addView(one, ONE);
-        viewer.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&viewer));
-        const QPoint place = middleOf(one->button);
-        QTest::mouseDClick(viewer.windowHandle(), Qt::LeftButton, {}, place);
-        QCOMPARE(one->clicks, 2);
-        connect(one->button, &QPushButton::clicked, &viewer, [&] { viewer.showWidget(TWO); });
-        QTest::mouseDClick(viewer.windowHandle(), Qt::LeftButton, {}, place);
-        QCOMPARE(one->clicks, 3);
-        QCOMPARE(viewer.currentView(), TWO);
-        QCOMPARE(two->clicks, 0);
-        touch(viewer, place);
-        QCOMPARE(two->clicks, 1);
-        QTest::mouseDClick(viewer.windowHandle(), Qt::LeftButton, {}, place);
-        QCOMPARE(two->clicks, 3);
-    }
-
-    void touch_thatNoViewWants_doesNotReachTheParent()
-    {
-        class Window : public QWidget
-        {
-        public:
-            int touches = 0;
-
-        protected:
-            void mousePressEvent(QMouseEvent * /*event*/) override { ++touches; }
-        };
-        Window window;
-        window.resize(800, 600);
-        window.show();
-        FormViewer viewer(nullptr, false, &window);
-        viewer.addView(new QWidget, ONE);
-        viewer.show();
-        touch(window, {400, 300});
-        QCOMPARE(window.touches, 0);
-        viewer.hide();
-        touch(window, {400, 300});
-        QCOMPARE(window.touches, 1);
     }
 
     // Look

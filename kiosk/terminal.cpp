@@ -16,8 +16,8 @@
 
 namespace kiosk {
 Terminal::Terminal(PluginHost &plugin, Ledger &ledger, const TerminalOptions &options, QObject *parent)
-    : QObject(parent), m_plugin(plugin), m_ledger(ledger), m_options(options), m_inactivity(options.inactivitySeconds),
-      m_till(ledger, options.comission)
+    : QObject(parent), m_plugin(plugin), m_ledger(ledger), m_backlog(ledger), m_options(options),
+      m_inactivity(options.inactivitySeconds), m_till(ledger, options.comission)
 {
     connect(&m_inactivity, &Inactivity::expired, this, [this] { giveUp("the customer has gone"); });
     connect(&m_plugin, &PluginHost::renewed, this, &Terminal::takeRenewedPlugin);
@@ -92,6 +92,16 @@ QVector<LedgerEntry> Terminal::entries(int most) const
     } catch (const LedgerError &error) {
         qCCritical(KIOSK_LOG).noquote() << error.text();
         return {};
+    }
+}
+
+QString Terminal::ledgerFault() const
+{
+    try {
+        Q_UNUSED(m_ledger.latest(1));
+        return m_backlog.fault();
+    } catch (const LedgerError &error) {
+        return error.text();
     }
 }
 
@@ -183,11 +193,7 @@ QString Terminal::closeReceipt()
 {
     if (m_screen != Screen::Receipt)
         return refuse("close the receipt");
-    try {
-        m_ledger.closeReceipt(m_receipt.payment.uid);
-    } catch (const LedgerError &error) {
-        qCCritical(KIOSK_LOG).noquote() << error.text();
-    }
+    m_backlog.write([uid = m_receipt.payment.uid](Ledger &ledger) { ledger.closeReceipt(uid); });
     if (m_session != nullptr)
         endPayment();
     else
@@ -201,6 +207,7 @@ QString Terminal::openService()
         return {};
     if (m_screen != Screen::Idle && m_screen != Screen::Broken)
         return refuse("open the service menu");
+    m_backlog.retry();
     m_service.open(m_plugin.plugin());
     setScreen(Screen::Service);
     return {};
@@ -241,6 +248,7 @@ QString Terminal::quit()
     // What cannot be committed is in the ledger all the same, and is shown at the next start.
     if (isPaying() && purchase().hasCash() && beginCommit().isEmpty())
         return quit();
+    m_backlog.retry();
     m_isQuitting = true;
     Q_EMIT quitReady();
     return {};
@@ -297,6 +305,7 @@ void Terminal::showReceipt(const LedgerEntry &payment, bool isRecovered)
 
 QString Terminal::beginPayment()
 {
+    m_backlog.retry();
     m_till = Till(m_ledger, m_options.comission);
     m_session = new PaymentSession(m_options.project, this);
     if (m_sessionCard.isValid())
@@ -393,13 +402,8 @@ void Terminal::runCommit()
 {
     LedgerEntry entry = m_receipt.payment;
     entry.outcome = commitPayment(m_plugin, m_session->session(), *m_payment);
-    try {
-        m_till.finishCommit(entry.outcome);
-    } catch (const LedgerError &error) {
-        // The row stays "committing", which the next start takes for unconfirmed.
-        qCCritical(KIOSK_LOG).noquote() << error.text();
-        entry.outcome = Outcome::Unconfirmed;
-    }
+    // Until it is written the row says "committing", which the next start takes for unconfirmed.
+    m_backlog.write([uid = entry.uid, outcome = entry.outcome](Ledger &ledger) { ledger.finishCommit(uid, outcome); });
     m_isCommitting = false;
     Q_EMIT committingChanged(false);
     showReceipt(entry, false);

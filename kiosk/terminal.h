@@ -5,6 +5,7 @@
 #include "core/providerparameter.h"
 #include "core/trelminfo.h"
 #include "extension/currency.h"
+#include "ledger/ledgerbacklog.h"
 #include "messagebus.h"
 #include "payment/inactivity.h"
 #include "payment/till.h"
@@ -96,6 +97,8 @@ public:
     [[nodiscard]] QString brokenReason() const;
     /// The newest payments first, for the service menu.
     [[nodiscard]] QVector<LedgerEntry> entries(int most = 50) const;
+    /// Why the ledger does not tell all that has happened, for people; empty: it does.
+    [[nodiscard]] QString ledgerFault() const;
 
 public Q_SLOTS:
     /// A customer chose to pay. Closes a receipt that is up.
@@ -159,6 +162,7 @@ private:
 
     PluginHost &m_plugin;
     Ledger &m_ledger;
+    LedgerBacklog m_backlog;
     TerminalOptions m_options;
     MessageBus m_bus;
     Inactivity m_inactivity;

@@ -26,11 +26,6 @@ Payment Till::beginCommit()
     return payment;
 }
 
-void Till::finishCommit(Outcome outcome)
-{
-    m_ledger->finishCommit(m_uid, outcome);
-}
-
 LedgerEntry Till::entry() const
 {
     return m_ledger->entry(m_uid);

@@ -25,7 +25,6 @@ public:
 
     /// Fixes the amounts. @return the payment for the payee. Call with cash alone.
     [[nodiscard]] Payment beginCommit();
-    void finishCommit(Outcome outcome);
 
     /// The payment as the ledger has it.
     [[nodiscard]] LedgerEntry entry() const;

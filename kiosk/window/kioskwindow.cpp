@@ -76,6 +76,7 @@ void KioskWindow::showScreen()
     case Terminal::Screen::Service:
         m_screens->service().open(m_terminal.settingsPage(), m_terminal.pluginIdentity(), m_terminal.entries(),
                                   m_terminal.currency());
+        m_screens->service().setLedgerFault(m_terminal.ledgerFault());
         m_screens->showScreen(m_screens->service());
         break;
     case Terminal::Screen::Broken:

@@ -76,7 +76,7 @@ void LedgerList::setEntries(const QVector<LedgerEntry> &entries, const Currency 
     for (const LedgerEntry &entry : entries)
         layout->addWidget(row(entry, currency));
     if (entries.isEmpty())
-        layout->addWidget(Parts::label(QStringLiteral("Платежей ещё не было."), "text"));
+        layout->addWidget(Parts::label(QStringLiteral("Платежей в журнале нет."), "text"));
     layout->addStretch(1);
     setWidget(list);
 }

@@ -28,6 +28,7 @@ QWidget *atTop(QWidget *page)
 ServiceScreen::ServiceScreen(QWidget *parent)
     : QWidget(parent), m_tabs(new QButtonGroup(this)), m_tabLayout(new QHBoxLayout), m_sections(new QStackedWidget),
       m_settings(new QScrollArea), m_payments(new LedgerList), m_plugin(new Facts), m_status(Parts::label({}, "hint")),
+      m_ledgerFault(Parts::label({}, "noticeDoubtful")),
       m_save(Parts::button(QStringLiteral("Сохранить"), "saveButton", "primary"))
 {
     TouchScroll::prepare(*m_settings);
@@ -41,6 +42,8 @@ ServiceScreen::ServiceScreen(QWidget *parent)
     connect(m_tabs, &QButtonGroup::idClicked, this, [this](int id) { showSection(static_cast<Section>(id)); });
 
     m_status->setObjectName(QStringLiteral("serviceStatus"));
+    m_ledgerFault->setObjectName(QStringLiteral("ledgerFault"));
+    setLedgerFault({});
     QPushButton *close = Parts::button(QStringLiteral("Закрыть"), "closeButton", "secondary");
     connect(close, &QPushButton::clicked, this, &ServiceScreen::closeWanted);
     connect(m_save, &QPushButton::clicked, this, &ServiceScreen::saveWanted);
@@ -57,6 +60,7 @@ ServiceScreen::ServiceScreen(QWidget *parent)
     content->setContentsMargins(32, 20, 32, 20);
     content->setSpacing(16);
     content->addLayout(m_tabLayout);
+    content->addWidget(m_ledgerFault);
     content->addWidget(m_sections, 1);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -93,6 +97,14 @@ void ServiceScreen::open(QWidget *page, const PluginIdentity &plugin, const QVec
     setIdentity(plugin);
     setStatus({});
     showSection(Section::Settings);
+}
+
+void ServiceScreen::setLedgerFault(const QString &reason)
+{
+    m_ledgerFault->setText(
+        QStringLiteral("Журнал платежей недоступен: проверьте диск. Последние итоги могут быть ещё не записаны.\n") +
+        reason);
+    m_ledgerFault->setVisible(!reason.isEmpty());
 }
 
 void ServiceScreen::leave()

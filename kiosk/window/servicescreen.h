@@ -40,6 +40,8 @@ public:
     /// Opens the menu at the settings. @param page the plugin's page, which stays the plugin's; null: it has none.
     void open(QWidget *page, const PluginIdentity &plugin, const QVector<LedgerEntry> &entries,
               const Currency &currency);
+    /// Says that the list of payments is not all there is. @param reason empty: it is.
+    void setLedgerFault(const QString &reason);
     /// Lets go of the page.
     void leave();
     void showSection(Section section);
@@ -61,6 +63,7 @@ private:
     LedgerList *m_payments;
     Facts *m_plugin;
     QLabel *m_status;
+    QLabel *m_ledgerFault;
     QPushButton *m_save;
     QPointer<QWidget> m_page;
 };

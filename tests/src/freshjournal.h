@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "extension/cryptedsettingsstorage.h"
-#include "parkomatdatastorage.h"
+#include "journalfiles.h"
 
 /// A journal with a record that it takes away when it advances, in both of its files: tells whether it did.
 namespace FreshJournal {
@@ -18,8 +17,7 @@ inline void make()
 /// Whether neither file has advanced.
 [[nodiscard]] inline bool isThere()
 {
-    const QString record = QStringLiteral("PARKOMAT/data");
-    return CryptedSettingsStorage(ParkomatDataStorage::MAIN_FILE).contains(record) &&
-           CryptedSettingsStorage(ParkomatDataStorage::BACK_FILE).contains(record);
+    return CryptedSettingsStorage(ParkomatDataStorage::MAIN_FILE).contains(JournalFiles::RECORD) &&
+           CryptedSettingsStorage(ParkomatDataStorage::BACK_FILE).contains(JournalFiles::RECORD);
 }
 } // namespace FreshJournal

@@ -111,8 +111,11 @@ QString Terminal::start()
 {
     if (isDeferred(&Terminal::start))
         return {};
-    while (m_screen == Screen::Receipt)
+    if (m_screen == Screen::Receipt)
         closeReceipt();
+    // The next receipt that nobody has seen is for somebody to see.
+    if (m_screen == Screen::Receipt)
+        return refuse("start");
     // Closing the receipt may have begun to renew the plugin.
     if (isDeferred(&Terminal::start))
         return {};
@@ -135,8 +138,7 @@ QString Terminal::stop()
         endPayment();
         return {};
     }
-    const QString reason = beginCommit();
-    return reason.isEmpty() ? stop() : reason;
+    return beginCommit();
 }
 
 QString Terminal::cancel()
@@ -266,8 +268,15 @@ void Terminal::carryOutDeferred()
 {
     // Each may begin what the ones behind it have to wait for.
     const QVector<Verb> verbs = qExchange(m_deferred, {});
-    for (const Verb verb : verbs)
-        (this->*verb)();
+    for (const Verb verb : verbs) {
+        // The receipt of what has ended meanwhile is the customer's to close, and the next payment waits for that.
+        if (m_screen == Screen::Receipt && verb == &Terminal::stop)
+            m_deferred.clear();
+        else if (m_screen == Screen::Receipt && verb == &Terminal::start)
+            m_deferred.append(verb);
+        else
+            (this->*verb)();
+    }
 }
 
 QString Terminal::refuse(const char *verb) const
@@ -291,10 +300,13 @@ void Terminal::setScreen(Screen screen)
 
 void Terminal::showNext()
 {
-    if (!m_unseen.isEmpty())
+    if (!m_unseen.isEmpty()) {
         showReceipt(m_unseen.takeFirst(), true);
-    else
-        setScreen(m_plugin.brokenReason().isEmpty() ? Screen::Idle : Screen::Broken);
+        return;
+    }
+    setScreen(m_plugin.brokenReason().isEmpty() ? Screen::Idle : Screen::Broken);
+    if (!m_plugin.isRenewing())
+        carryOutDeferred();
 }
 
 void Terminal::showReceipt(const LedgerEntry &payment, bool isRecovered)

@@ -46,7 +46,9 @@ struct TerminalOptions
 /// invocable slots.
 ///
 /// Each verb returns an empty text, or why it does not apply now; the reason is logged too. While a commit runs, start,
-/// stop, pay, cancel and quit are taken and carried out, in their order, once the payment's outcome is written.
+/// stop, pay, cancel and quit are taken and carried out, in their order, once the payment's outcome is written. None of
+/// them takes the receipt off that comes then: the payment has been stopped by that, and start waits until the receipt
+/// is closed.
 class Terminal : public QObject
 {
     Q_OBJECT
@@ -101,9 +103,9 @@ public:
     [[nodiscard]] QString ledgerFault() const;
 
 public Q_SLOTS:
-    /// A customer chose to pay. Closes a receipt that is up.
+    /// A customer chose to pay. Closes the receipt that is up; refused where there is another that nobody has seen.
     QString start();
-    /// The host ends the payment: idle. What was paid in is committed first.
+    /// The host ends the payment, or closes the receipt: idle. What was paid in is committed, and its receipt shown.
     QString stop();
     /// The cancel button of the payment screens: asks the plugin (permitCancel). Not with money in.
     QString cancel();

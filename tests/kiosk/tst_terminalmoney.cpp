@@ -200,7 +200,10 @@ private Q_SLOTS:
         WAIT_FOR(bench.latest().outcome, Outcome::Confirmed);
         QCOMPARE(bench.latest().summ.toString(), QStringLiteral("100.00"));
         QCOMPARE(bench.latest().remainder.toString(), QStringLiteral("50.00"));
-        WAIT_FOR(bench->screen(), how == "stop" ? Screen::Idle : Screen::Receipt);
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCoreApplication::processEvents();
+        QCOMPARE(bench->screen(), Screen::Receipt);
+        QCOMPARE(kiosk::Ledger(TerminalBench::ledgerPath()).unseen().size(), 1);
         QCOMPARE(quitReady.count(), how == "quit" ? 1 : 0);
     }
 
@@ -235,6 +238,28 @@ private Q_SLOTS:
         QCOMPARE(bench->start(), QString());
         QCOMPARE(bench->screen(), Screen::Form);
         QVERIFY(!bench.takeCalls().contains(QStringLiteral("pay %1 100.00 0.00").arg(committing)));
+    }
+
+    void start_onARecoveredReceipt_doesNotCloseTheOthers()
+    {
+        QVector<qint64> uids;
+        {
+            kiosk::Ledger ledger(TerminalBench::ledgerPath());
+            kiosk::Purchase purchase;
+            purchase.setDue(QStringLiteral("150.00"));
+            for (int i = 0; i < 2; ++i)
+                uids.append(ledger.open(purchase, QString(), QString(), FixNumber(100, QStringLiteral("100"))));
+        }
+        TerminalBench bench;
+        QCOMPARE(bench->receipt().payment.uid, uids.first());
+        QVERIFY(!bench->start().isEmpty());
+        QCOMPARE(bench->screen(), Screen::Receipt);
+        QCOMPARE(bench->receipt().payment.uid, uids.last());
+        const QVector<kiosk::LedgerEntry> unseen = kiosk::Ledger(TerminalBench::ledgerPath()).unseen();
+        QCOMPARE(unseen.size(), 1);
+        QCOMPARE(unseen.first().uid, uids.last());
+        QCOMPARE(bench->start(), QString());
+        QCOMPARE(bench->screen(), Screen::Form);
     }
 
     void receipt_closed_isNotShownAgain()

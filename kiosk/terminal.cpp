@@ -412,6 +412,9 @@ QString Terminal::beginCommit()
 
 void Terminal::runCommit()
 {
+    // Its end may come in the commit, and would look like the commit's.
+    if (m_session->isWaiting())
+        m_plugin.setAwaitingLateAnswer();
     LedgerEntry entry = m_receipt.payment;
     entry.outcome = commitPayment(m_plugin, m_session->session(), *m_payment);
     // Until it is written the row says "committing", which the next start takes for unconfirmed.

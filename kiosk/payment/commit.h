@@ -14,6 +14,6 @@ class PluginHost;
 /// so plugin and session must not go before that.
 /// Where nothing is to be paid the plugin is not asked, and there is nothing left to confirm.
 /// @return Confirmed or Unconfirmed: the plugin tells nothing, so what is not seen to have worked is not known.
-/// Nor is anything of a root object that still owes the answer to an earlier payment.
+/// Nor is anything of a root object that still owes the answer to an earlier question.
 [[nodiscard]] Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &payment);
 } // namespace kiosk

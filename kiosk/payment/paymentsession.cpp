@@ -9,9 +9,20 @@
 #include "plugininterface/ipaybyprovider.h"
 #include "plugininterface/ipaywidget.h"
 
+#include <QAbstractButton>
+
 #include <algorithm>
 
 namespace kiosk {
+namespace {
+template <typename Part>
+bool hasVisible(const QWidget &form, const QString &name = {})
+{
+    const auto parts = form.findChildren<Part *>(name);
+    return std::any_of(parts.begin(), parts.end(), [](const Part *part) { return part->isVisible(); });
+}
+} // namespace
+
 PaymentSession::PaymentSession(FormProject *project, QObject *parent)
     : QObject(parent), m_session(project), m_provider(Payee::makeProvider(this))
 {}
@@ -60,7 +71,12 @@ bool PaymentSession::isDetailsUp() const
     const auto *const form = qobject_cast<PluginBaseFormViewer *>(m_form);
     if (form == nullptr || form->currentView() != QLatin1String(PluginBaseFormViewer::PAY_DETAIL_VIEW))
         return false;
-    const auto laidOver = form->findChildren<FormViewer *>();
-    return std::none_of(laidOver.begin(), laidOver.end(), [](const FormViewer *viewer) { return viewer->isVisible(); });
+    return !hasVisible<FormViewer>(*form);
+}
+
+bool PaymentSession::isWaiting() const
+{
+    return m_form && hasVisible<QWidget>(*m_form, QStringLiteral("messageText")) &&
+           !hasVisible<QAbstractButton>(*m_form);
 }
 } // namespace kiosk

@@ -42,6 +42,8 @@ public:
     void showPaidIn(const FixNumber &paidIn);
     /// Whether the form's details are what the customer sees: no message in their place, no question over them.
     [[nodiscard]] bool isDetailsUp() const;
+    /// Whether the form has the customer wait: a message without a button is up, and the plugin is at something.
+    [[nodiscard]] bool isWaiting() const;
 
 Q_SIGNALS:
     /// The payment is over. Comes from the event loop: whoever asked for it has returned.

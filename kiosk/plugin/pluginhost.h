@@ -40,8 +40,8 @@ public:
     /// The same as the plugin's interface.
     [[nodiscard]] IPayByProvider *plugin() const;
 
-    /// The root object was asked to register a payment, and the payee's answer is not known to have come: it may still
-    /// come, and would look like the answer to a later payment. Until there is another root object.
+    /// The root object was asked something (to register a payment, say), and the answer is not known to have come: it
+    /// may still come, and would look like the answer to a later payment. Until there is another root object.
     void setAwaitingLateAnswer() { m_isAwaitingLateAnswer = true; }
     [[nodiscard]] bool isAwaitingLateAnswer() const { return m_isAwaitingLateAnswer; }
 

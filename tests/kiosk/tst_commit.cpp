@@ -6,6 +6,7 @@
 #include "support/testcase.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QSignalSpy>
 
 using kiosk::LedgerEntry;
@@ -140,6 +141,31 @@ private Q_SLOTS:
             WAIT_FOR(bench->screen(), Screen::Receipt);
             QCOMPARE(bench.latest().outcome, confirmation == QByteArray("left up") ? Outcome::Unconfirmed : outcome);
         }
+    }
+
+    /// What takes the commit's message off may be the end of what the plugin was at.
+    void outcome_behindAMessageWithoutAButton_isUnconfirmed_data()
+    {
+        QTest::addColumn<QByteArray>("end");
+        QTest::newRow("stop") << QByteArray("stop");
+        QTest::newRow("quit") << QByteArray("quit");
+        QTest::newRow("inactivity") << QByteArray();
+    }
+
+    void outcome_behindAMessageWithoutAButton_isUnconfirmed()
+    {
+        QFETCH(QByteArray, end);
+        TerminalBench bench(TerminalBench::inactivity(1));
+        bench.showDetails();
+        bench.takeCash("150");
+        auto *const checking = new QLabel(QStringLiteral("…"));
+        checking->setObjectName(QStringLiteral("messageText"));
+        bench.form()->addView(checking, QStringLiteral("checking"));
+        if (!end.isEmpty())
+            QMetaObject::invokeMethod(&bench.terminal(), end.constData());
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(bench.outcome(), Outcome::Unconfirmed);
+        QCOMPARE(bench.latest().outcome, Outcome::Unconfirmed);
     }
 
     /// The root object is gone: before the plugin is asked, or while it is.

@@ -11,7 +11,7 @@
 #include <cstdio>
 
 namespace {
-/// Longer than it takes to the details and to a poll of the commit, shorter than any message stays.
+/// Longer than it takes to the details, shorter than any message stays.
 constexpr int LATER_MS = 3'000;
 
 /// A terminal that loads the plugin from its file, and knows it through its interface, the form and its slots' names.
@@ -49,7 +49,6 @@ public:
         lastCustomerGoes();
         return m_loader.unload();
     }
-    void slot(const char *name) { QVERIFY(QMetaObject::invokeMethod(m_root, name)); }
 
     // How the customer's card gets to the plugin
 
@@ -79,15 +78,6 @@ public:
         letPass(LATER_MS);
         QCOMPARE(m_bench->takeSignals().contains(QStringLiteral("needShowPayDetail")), true);
         m_bench->form()->showPayDetail();
-    }
-    /// @return whether the cash service's answer was what let the host go on.
-    [[nodiscard]] bool commit(const QList<Payment> &payments)
-    {
-        // The plugin puts the message up before anything can happen.
-        const Meanwhile meanwhile(
-            {{[this] { return m_bench->messageText().isEmpty(); }, [] { TestClock::skip(LATER_MS); }}});
-        m_bench->commit(payments);
-        return meanwhile.isDone();
     }
 
 private:
@@ -124,7 +114,7 @@ private Q_SLOTS:
         terminal.waitForDetails();
         QCOMPARE(terminal.bench().parameter(QStringLiteral("SummToPay")), QStringLiteral("150.00"));
         QCOMPARE(terminal.bench().parameter(QStringLiteral("card_num")), QStringLiteral("0000123456"));
-        QVERIFY(terminal.commit({HandlerBench::payment(4711, 15'000)}));
+        QVERIFY(terminal.bench().commitAnswered({HandlerBench::payment(4711, 15'000)}));
         const QJsonArray payments = terminal.service().payments();
         QCOMPARE(payments.size(), 1);
         QCOMPARE(payments[0][QStringLiteral("uin")].toInt(), 4711);
@@ -141,11 +131,11 @@ private Q_SLOTS:
         terminal.nextCustomer();
         terminal.readCard();
         terminal.waitForDetails();
-        terminal.slot("permitCancel");
+        terminal.bench().permitCancel();
         QCOMPARE(terminal.bench().buttons(), QStringLiteral("yes no"));
         QVERIFY(terminal.bench().press("no"));
         QCOMPARE(terminal.bench().topView(), QLatin1String(PluginBaseFormViewer::PAY_DETAIL_VIEW));
-        terminal.slot("permitCancel");
+        terminal.bench().permitCancel();
         QVERIFY(terminal.bench().press("yes"));
         QCOMPARE(terminal.bench().outcome(), QStringList{QStringLiteral("needCancel")});
         QCOMPARE(terminal.service().payments().size(), 0);
@@ -181,13 +171,13 @@ private:
             (terminal.*source)();
             terminal.waitForDetails();
 
-            QVERIFY(terminal.commit({HandlerBench::payment(++uin, 5'000)}));
+            QVERIFY(terminal.bench().commitAnswered({HandlerBench::payment(++uin, 5'000)}));
         }
         QCOMPARE(terminal.service().payments().size(), 3);
         terminal.nextCustomer();
         terminal.readCard();
         WAIT_FOR(terminal.bench().buttons(), QStringLiteral("ok"));
-        terminal.slot("permitCancel");
+        terminal.bench().permitCancel();
         QVERIFY(terminal.bench().plugin()->getSettingsWidget() != nullptr);
         QVERIFY(terminal.unload());
     }
@@ -200,7 +190,7 @@ TEST_CHILD(endsWithThePlugin)
     terminal.nextCustomer();
     terminal.readCard();
     terminal.waitForDetails();
-    const bool isPaid = terminal.commit({HandlerBench::payment(4711, 15'000)});
+    const bool isPaid = terminal.bench().commitAnswered({HandlerBench::payment(4711, 15'000)});
     terminal.forgetPlugin();
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &text) {
         std::printf("%s %s\n", context.category, qPrintable(text));

@@ -45,8 +45,6 @@ public:
         m_bench.start();
         m_form = m_bench.form();
     }
-    /// On the slot of that name, as the host does it.
-    void permitCancel() { QVERIFY(QMetaObject::invokeMethod(m_handler, "permitCancel")); }
 
     // What goes
 
@@ -104,13 +102,7 @@ public:
     {
         waitUntil([this] { return m_service.requests().size() >= m_answered + unanswered(); });
         QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-    static void skip(int ms)
-    {
-        TestClock::skip(ms);
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
     }
     static void stopTheClock() { TestClock::freeze(now()); }
     /// Ends commits that wait, at their next poll.

@@ -180,7 +180,7 @@ private:
     void stop() { m_payment.plugin().stop(); }
     void ask()
     {
-        m_payment.permitCancel();
+        m_bench.permitCancel();
         if (m_bench.buttons() == QLatin1String("yes no"))
             m_happened.append(QStringLiteral("asked"));
     }
@@ -194,7 +194,7 @@ private:
         ask();
         QCOMPARE(m_bench.press("no"), !m_happened.isEmpty());
     }
-    void waitForDetails() { FragilePayment::skip(LATER_MS); }
+    void waitForDetails() { leap(LATER_MS); }
     void commit()
     {
         commitAnd([this] {
@@ -206,7 +206,7 @@ private:
     void letTimePass()
     {
         const bool isChecking = PaymentLook::screen(m_bench) == QLatin1String("checking");
-        FragilePayment::skip((isChecking ? ONLINE_CHECK_SECONDS : LONGEST_FIXED_SECONDS) * 1'000 + 1'000);
+        leap((isChecking ? ONLINE_CHECK_SECONDS : LONGEST_FIXED_SECONDS) * 1'000 + 1'000);
     }
 
     // What becomes of host objects

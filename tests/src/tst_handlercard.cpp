@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "guiclient/messagewidgetcontroller.h"
 #include "guiclient/pluginproviderparameterinputcontroller.h"
-#include "parkomatpluginhandler.h"
+#include "handlerchildren.h"
 #include "scriptedservice.h"
 
 #include <QApplication>
@@ -21,13 +20,6 @@ QVariantMap cardLeftInSession(const HandlerBench &bench)
         .toMap()
         .value(QStringLiteral("cardData"))
         .toMap();
-}
-
-/// The controller of the message that is up.
-MessageWidgetController *controller(const ParkomatPluginHandler &handler)
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return handler.findChild<MessageWidgetController *>();
 }
 
 int inputControllers(const ParkomatPluginHandler &handler)
@@ -101,9 +93,9 @@ private Q_SLOTS:
         ParkomatPluginHandler handler;
         HandlerBench bench(&handler);
         bench.startWithScreen();
-        Q_EMIT controller(handler)->finish(code);
+        Q_EMIT controllers(handler).constFirst()->finish(code);
         QCOMPARE(bench.takeSignals(), signalled);
-        QVERIFY(controller(handler) == nullptr);
+        QVERIFY(controllers(handler).isEmpty());
         QCOMPARE(bench.topView(), view);
     }
 
@@ -235,7 +227,7 @@ private Q_SLOTS:
         QCOMPARE(bench.buttons(), QStringLiteral("next back"));
         QCOMPARE(keyboard(bench), QStringLiteral("1234567890"));
         QCOMPARE(bench.text<QLineEdit>("inputLine"), QString());
-        QVERIFY(controller(handler) == nullptr);
+        QVERIFY(controllers(handler).isEmpty());
         QVERIFY(bench.type(QStringLiteral("0000123456")));
         QVERIFY(isShown(bench, QStringLiteral("Введите UID карты")));
         QVERIFY2(keyboard(bench).contains(QStringLiteral("ABCDEF")), qPrintable(keyboard(bench)));

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "guiclient/messagewidgetcontroller.h"
-#include "parkomatpluginhandler.h"
+#include "handlerchildren.h"
 #include "parkomatsettings.h"
 #include "scriptedservice.h"
 #include "support/cashservice.h"
@@ -14,12 +13,6 @@ const QStringList CANCELLED = {QStringLiteral("needCancel")};
 const QStringList DETAILS = {QStringLiteral("needShowPayDetail")};
 const QString PARCOMAT_DATA = QStringLiteral("parcomatData");
 const QString PDATA = QStringLiteral("01312211020202190000000100000000");
-
-MessageWidgetController *controller(const ParkomatPluginHandler &handler)
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return handler.findChild<MessageWidgetController *>();
-}
 } // namespace
 
 /// What the customer sees while the cash service is asked, and what its answer leaves with the host.
@@ -40,14 +33,14 @@ private Q_SLOTS:
         QCOMPARE(bench.messageText(), WAIT);
         QCOMPARE(bench.buttons(), QString());
         QVERIFY(bench.countdown().contains(QStringLiteral("77")));
-        Q_EMIT controller(handler)->tick();
+        Q_EMIT controllers(handler).constFirst()->tick();
         QCOMPARE(bench.takeSignals(), QStringList(QStringLiteral("needTick")));
         letPass(1'100);
         QVERIFY(bench.ticks() > 0);
         WAIT_FOR(service.requests(), 1);
         service.release(0, ScriptedService::check());
         WAIT_FOR(bench.messageText(), QString());
-        QVERIFY(controller(handler) == nullptr);
+        QVERIFY(controllers(handler).isEmpty());
         letPass(2'200);
         QCOMPARE(bench.outcome(), DETAILS);
     }
@@ -66,7 +59,7 @@ private Q_SLOTS:
         QVERIFY2(cancelled.ms() >= 19'000, qPrintable(QString::number(cancelled.ms())));
         QCOMPARE(bench.outcome(), CANCELLED);
         QCOMPARE(bench.messageText(), QString());
-        QVERIFY(controller(handler) == nullptr);
+        QVERIFY(controllers(handler).isEmpty());
         // An answer that comes all the same is taken.
         WAIT_FOR(service.requests(), 1);
         service.release(0, ScriptedService::check());

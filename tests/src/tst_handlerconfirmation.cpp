@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "guiclient/messagewidgetcontroller.h"
+#include "handlerchildren.h"
 #include "parkomataccessmanager.h"
-#include "parkomatpluginhandler.h"
-#include "scriptedservice.h"
+#include "scriptedpayment.h"
 #include "support/stillclock.h"
 
 #include <QApplication>
@@ -24,38 +23,20 @@ bool atOnce()
     return true;
 }
 
-int childrenOf(const ParkomatPluginHandler &handler)
+/// With a time limit of its own for the answer.
+struct LimitedPayment : PaidPayment
 {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return handler.children().size();
-}
-
-/// A payment up to the commit: the check is over, the customer has paid.
-struct PaidBench
-{
-    explicit PaidBench(int limitSeconds = LIMIT_SECONDS) : bench(&handler)
+    explicit LimitedPayment(int limitSeconds = LIMIT_SECONDS)
     {
         TerminalAppSettings().setOnlineCheckTimeout(limitSeconds);
         TerminalAppSettings().setAutoCloseMessagesAfter(600);
-        bench.start();
-        leaveCheck(HandlerBench::demoCard(), QStringLiteral("150.00"));
     }
 
-    void leaveCheck(const QVariantMap &card, const QString &totalCharge) const
-    {
-        bench.session().setPluginsData(
-            {{QStringLiteral("parcomatData"),
-              QVariantMap({{QStringLiteral("cardData"), card}, {QStringLiteral("totalCharge"), totalCharge}})}});
-    }
     [[nodiscard]] std::function<bool()> asked(int requests = 1) const
     {
         return [this, requests] { return service.requests() == requests; };
     }
     void commit() const { bench.commit({HandlerBench::payment(70'001, 15'000)}); }
-
-    ScriptedService service;
-    ParkomatPluginHandler handler;
-    HandlerBench bench;
 };
 } // namespace
 
@@ -78,24 +59,24 @@ private Q_SLOTS:
         QCOMPARE(lines.constFirst().level, QtCriticalMsg);
         QCOMPARE(lines.constFirst().text, QStringLiteral("INVALID PLUGIN PROVIDER"));
         // Neither a message nor a client was made.
-        QCOMPARE(childrenOf(handler), 0);
+        QCOMPARE(childrenOf<QObject>(handler).size(), 0);
     }
 
     void commit_providerGone_isAsBeforeStart()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         paid.bench.newPayment();
         MessageLog::drop();
-        const int before = childrenOf(paid.handler);
+        const int before = childrenOf<QObject>(paid.handler).size();
         paid.commit();
         QCOMPARE(MessageLog::take().constLast().text, QStringLiteral("INVALID PLUGIN PROVIDER"));
-        QCOMPARE(childrenOf(paid.handler), before);
+        QCOMPARE(childrenOf<QObject>(paid.handler).size(), before);
         QCOMPARE(paid.service.requests(), 0);
     }
 
     void answer_inTime_endsTheWaitAtTheNextLook()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         const StillClock clock;
         paid.service.plan(ScriptedService::pay());
         QElapsedTimer sinceCommit;
@@ -111,7 +92,7 @@ private Q_SLOTS:
 
     void message_whileItWaits_hasNoWayOut()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         const StillClock clock;
         paid.service.hold();
         QStringList seen;
@@ -131,7 +112,7 @@ private Q_SLOTS:
 
     void message_halfAMinute_closesByItself()
     {
-        PaidBench paid(0);
+        LimitedPayment paid(0);
         paid.service.hold();
         QElapsedTimer sinceCommit;
         sinceCommit.start();
@@ -156,7 +137,7 @@ private Q_SLOTS:
     void limit_noAnswer_isWaitedFor()
     {
         QFETCH(QTime, begin);
-        PaidBench paid;
+        LimitedPayment paid;
         StillClock clock(QDateTime(QDate(2024, 3, 7), begin));
         paid.service.hold();
         const Meanwhile meanwhile({{paid.asked(),
@@ -175,7 +156,7 @@ private Q_SLOTS:
     // The stopwatch knows the time of day alone: earlier than before is tomorrow.
     void limit_clockSetBack_isTakenForPassed()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         StillClock clock;
         paid.service.hold();
         const Meanwhile meanwhile({{paid.asked(), [&] { clock.pass(-1); }}});
@@ -194,7 +175,7 @@ private Q_SLOTS:
     void limit_noneOrCutTo16Bits_endsAtTheFirstLook()
     {
         QFETCH(int, seconds);
-        PaidBench paid(seconds);
+        LimitedPayment paid(seconds);
         const StillClock clock;
         paid.service.hold();
         QElapsedTimer sinceCommit;
@@ -207,7 +188,7 @@ private Q_SLOTS:
 
     void limit_negative_isALongOne()
     {
-        PaidBench paid(-1);
+        LimitedPayment paid(-1);
         StillClock clock;
         paid.service.hold();
         const Meanwhile meanwhile({{paid.asked(),
@@ -223,7 +204,7 @@ private Q_SLOTS:
 
     void answer_handledInTheFirstEventPass_isForgotten()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         StillClock clock;
         paid.service.hold();
         QMetaObject::invokeMethod(
@@ -240,7 +221,7 @@ private Q_SLOTS:
 
     void answer_late_takesTheMessageOff()
     {
-        PaidBench paid(0);
+        LimitedPayment paid(0);
         paid.service.hold();
         paid.commit();
         QCOMPARE(paid.bench.messageText(), CONFIRMING);
@@ -252,7 +233,7 @@ private Q_SLOTS:
 
     void answer_lateOfTheCommitBefore_endsTheNextOne()
     {
-        PaidBench paid(0);
+        LimitedPayment paid(0);
         paid.service.hold();
         paid.service.hold();
         paid.commit();
@@ -267,7 +248,7 @@ private Q_SLOTS:
 
     void answer_negative_endsTheWaitLikeAPositiveOne()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         const StillClock clock;
         paid.service.hold();
         const Meanwhile meanwhile(
@@ -281,7 +262,7 @@ private Q_SLOTS:
 
     void error_whileItWaits_isShownAndWaitedOn()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         StillClock clock;
         paid.service.plan(ScriptedService::refusal("Почему"));
         QString buttons;
@@ -301,7 +282,7 @@ private Q_SLOTS:
 
     void card_whileItWaits_isCheckedInTheSameLoop()
     {
-        PaidBench paid;
+        LimitedPayment paid;
         const StillClock clock;
         paid.service.hold();
         paid.service.plan(ScriptedService::check(99));

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
 #include "guiclient/messagewidgetcontroller.h"
-#include "parkomatpluginhandler.h"
-#include "scriptedservice.h"
+#include "scriptedpayment.h"
 #include "support/cashservice.h"
 
 #include <QApplication>
@@ -150,18 +149,9 @@ private Q_SLOTS:
 
     void error_earlierPayments_isShownInTheNext()
     {
-        ScriptedService service;
-        ParkomatPluginHandler handler;
-        HandlerBench bench(&handler);
-        service.hold();
-        bench.startWithScreen();
-        bench.readCard(HandlerBench::demoCard());
-        WAIT_FOR(service.requests(), 1);
-        handler.stop();
-        bench.newPayment();
-        bench.startWithScreen();
-        service.release(0, ScriptedService::refusal("Почему"));
-        WAIT_FOR(bench.messageText(), QStringLiteral("Почему"));
+        NextPayment next;
+        next.service.release(0, ScriptedService::refusal("Почему"));
+        WAIT_FOR(next.bench.messageText(), QStringLiteral("Почему"));
     }
 
     void error_stopped_isTakenInSilence()
@@ -170,7 +160,7 @@ private Q_SLOTS:
         HandlerBench bench(&handler);
         bench.start();
         handler.stop();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
         handler.parkomatAccessManagerErrorHandler({});
         Q_EMIT handler.findChild<MessageWidgetController *>()->finish(0);
         QCOMPARE(bench.takeSignals(), QStringList());

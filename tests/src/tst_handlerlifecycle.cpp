@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "guiclient/messagewidgetcontroller.h"
 #include "guiclient/pluginproviderparameterinputcontroller.h"
 #include "guiclient/pluginviewloadhelper.h"
+#include "handlerchildren.h"
 #include "parkomataccessmanager.h"
-#include "parkomatpluginhandler.h"
 #include "parkomatpluginsettingswidget.h"
-#include "scriptedservice.h"
+#include "scriptedpayment.h"
 
 #include <QApplication>
 #include <QSignalSpy>
@@ -29,18 +28,6 @@ public Q_SLOTS:
 
 const QString BUS_MESSAGE = QStringLiteral("tarvSchoolCardPluginRequest");
 
-/// Lets what was scheduled for deletion go.
-void deleteReleased()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-template <typename Child>
-int childrenOf(const ParkomatPluginHandler &handler)
-{
-    deleteReleased();
-    return handler.findChildren<Child *>(QString(), Qt::FindDirectChildrenOnly).size();
-}
 } // namespace
 
 /// One payment after another through one handler: what start makes and reuses, what stop releases and leaves.
@@ -60,8 +47,8 @@ private Q_SLOTS:
         QVERIFY(bench.form()->currency() == bench.currency());
         QCOMPARE(bench.topView(), QString());
         QCOMPARE(bench.takeSignals(), QStringList());
-        QCOMPARE(childrenOf<MessageWidgetController>(handler), 0);
-        QCOMPARE(childrenOf<ParkomatAccessManager>(handler), 0);
+        QCOMPARE(childrenOf<MessageWidgetController>(handler).size(), 0);
+        QCOMPARE(childrenOf<ParkomatAccessManager>(handler).size(), 0);
         QVERIFY(handler.helperViewer() == nullptr);
     }
 
@@ -214,12 +201,12 @@ private Q_SLOTS:
         for (int payment = 1; payment <= 3; ++payment) {
             bench.newPayment();
             bench.start();
-            QCOMPARE(childrenOf<ParkomatAccessManager>(handler), payment - 1);
+            QCOMPARE(childrenOf<ParkomatAccessManager>(handler).size(), payment - 1);
             service.hold();
             service.hold();
             bench.readCard(HandlerBench::demoCard());
             bench.readCard(HandlerBench::demoCard());
-            QCOMPARE(childrenOf<ParkomatAccessManager>(handler), payment);
+            QCOMPARE(childrenOf<ParkomatAccessManager>(handler).size(), payment);
             WAIT_FOR(service.requests(), 2 * payment);
             handler.stop();
         }
@@ -227,22 +214,13 @@ private Q_SLOTS:
 
     void client_lateAnswer_reachesTheNextPayment()
     {
-        ScriptedService service;
-        ParkomatPluginHandler handler;
-        HandlerBench bench(&handler);
-        service.hold();
-        bench.startWithScreen();
-        bench.readCard(HandlerBench::demoCard());
-        WAIT_FOR(service.requests(), 1);
-        handler.stop();
-        bench.newPayment();
-        bench.startWithScreen();
-        QCOMPARE(bench.messageText(), QStringLiteral("Приложите парковочную карту"));
-        service.release(0, ScriptedService::check(12'300));
-        WAIT_FOR(bench.parameter(QStringLiteral("SummToPay")), QStringLiteral("123.00"));
-        QCOMPARE(bench.messageText(), QString());
+        NextPayment next;
+        QCOMPARE(next.bench.messageText(), QStringLiteral("Приложите парковочную карту"));
+        next.service.release(0, ScriptedService::check(12'300));
+        WAIT_FOR(next.bench.parameter(QStringLiteral("SummToPay")), QStringLiteral("123.00"));
+        QCOMPARE(next.bench.messageText(), QString());
         letPass(2200);
-        QCOMPARE(bench.outcome(), QStringList(QStringLiteral("needShowPayDetail")));
+        QCOMPARE(next.bench.outcome(), QStringList(QStringLiteral("needShowPayDetail")));
     }
 
     void stop_nothingCreated_doesNothing()
@@ -272,7 +250,7 @@ private Q_SLOTS:
         settings->setParent(&serviceMenu);
         settings->show();
         serviceMenu.show();
-        QCOMPARE(childrenOf<MessageWidgetController>(handler), 2);
+        QCOMPARE(childrenOf<MessageWidgetController>(handler).size(), 2);
 
         handler.stop();
         // Hidden at once, deleted behind the host's back.
@@ -284,10 +262,10 @@ private Q_SLOTS:
         QVERIFY(form.isNull());
         QVERIFY(helper.isNull());
         QVERIFY(settings.isNull());
-        QCOMPARE(childrenOf<MessageWidgetController>(handler), 1);
-        QCOMPARE(childrenOf<PluginProviderParameterInputController>(handler), 1);
-        QCOMPARE(childrenOf<ParkomatAccessManager>(handler), 1);
-        QCOMPARE(childrenOf<PluginViewLoadHelper>(handler), 1);
+        QCOMPARE(childrenOf<MessageWidgetController>(handler).size(), 1);
+        QCOMPARE(childrenOf<PluginProviderParameterInputController>(handler).size(), 1);
+        QCOMPARE(childrenOf<ParkomatAccessManager>(handler).size(), 1);
+        QCOMPARE(childrenOf<PluginViewLoadHelper>(handler).size(), 1);
         WAIT_FOR(service.requests(), 1);
     }
 

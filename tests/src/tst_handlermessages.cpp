@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "guiclient/messagewidgetcontroller.h"
-#include "parkomatpluginhandler.h"
+#include "handlerchildren.h"
 #include "support/handlerbench.h"
 
 #include <QApplication>
@@ -15,13 +14,6 @@ const QStringList CANCELLED = {QStringLiteral("needCancel")};
 QVariantMap errorMap(const QString &text)
 {
     return {{QStringLiteral("error"), 4}, {QStringLiteral("errorMessage"), text}};
-}
-
-/// The controllers that are still alive once the scheduled deletions are done.
-QList<MessageWidgetController *> controllers(const ParkomatPluginHandler &handler)
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return handler.findChildren<MessageWidgetController *>();
 }
 } // namespace
 

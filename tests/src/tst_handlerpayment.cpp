@@ -134,7 +134,7 @@ private Q_SLOTS:
         QCOMPARE(bench.messageText(), QString());
         QCOMPARE(bench.outcome(), QStringList(QStringLiteral("needShowPayDetail")));
         bench.plugin()->stop();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
         QVERIFY(!bench.hasForm());
     }
 

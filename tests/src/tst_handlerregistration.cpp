@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "parkomatpluginhandler.h"
-#include "scriptedservice.h"
+#include "scriptedpayment.h"
 
 #include <QApplication>
 
@@ -23,23 +22,12 @@ QStringList mergeLines()
     return found;
 }
 
-/// A payment up to the commit, with a service that confirms one registration.
-struct PaidBench
+/// With a service that confirms one registration.
+struct ConfirmedPayment : PaidPayment
 {
-    PaidBench() : bench(&handler)
-    {
-        bench.start();
-        leaveCheck({{QStringLiteral("cardData"), HandlerBench::demoCard()},
-                    {QStringLiteral("totalCharge"), QStringLiteral("150.00")}});
-        service.plan(ScriptedService::pay());
-    }
+    ConfirmedPayment() { service.plan(ScriptedService::pay()); }
 
-    void leaveCheck(const QVariantMap &data) const { bench.session().setPluginsData({{PARCOMAT_DATA, data}}); }
     [[nodiscard]] QString sent(const char *element) const { return service.sent(0, QLatin1String(element)); }
-
-    ScriptedService service;
-    ParkomatPluginHandler handler;
-    HandlerBench bench;
 };
 } // namespace
 
@@ -86,7 +74,7 @@ private Q_SLOTS:
         QFETCH(QString, amount);
         QFETCH(QString, type);
         QFETCH(int, mergeLines);
-        const PaidBench paid;
+        const ConfirmedPayment paid;
         paid.bench.commitAnswered(payments);
         const QStringList lines = ::mergeLines();
         QCOMPARE(lines.size(), mergeLines);
@@ -102,7 +90,7 @@ private Q_SLOTS:
 
     void pack_merged_hasTheFirstPaymentsTime()
     {
-        const PaidBench paid;
+        const ConfirmedPayment paid;
         Payment later(70'002, QDateTime(QDate(2024, 3, 8), QTime(1, 2, 3)), HandlerBench::PROVIDER_ID);
         later.setSumm(FixNumber(100, qint64(100)));
         paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000), later});
@@ -112,7 +100,7 @@ private Q_SLOTS:
 
     void pack_missing_isAnEmptyOne()
     {
-        PaidBench paid;
+        ConfirmedPayment paid;
         paid.handler.doPaymentPredProcessing(&paid.bench.session(), nullptr);
         QCOMPARE(paid.sent("Uin"), QStringLiteral("0"));
         QCOMPARE(paid.sent("Amount"), QStringLiteral("0"));
@@ -120,7 +108,7 @@ private Q_SLOTS:
 
     void pack_ofAnotherProvider_countsByTheOneOfTheStart()
     {
-        PaidBench paid;
+        ConfirmedPayment paid;
         Provider other(18'157, QStringLiteral("Другой"));
         paid.handler.start(&other, Currency(), &paid.bench.session());
         paid.bench.commitAnswered(
@@ -139,7 +127,7 @@ private Q_SLOTS:
     void session_argument_isNotLookedAt()
     {
         QFETCH(bool, isGiven);
-        PaidBench paid;
+        ConfirmedPayment paid;
         SessionManager other;
         other.setPluginsData(
             {{PARCOMAT_DATA, QVariantMap({{QStringLiteral("cardData"),
@@ -191,7 +179,7 @@ private Q_SLOTS:
     {
         QFETCH(QVariantMap, left);
         QFETCH(QString, type);
-        const PaidBench paid;
+        const ConfirmedPayment paid;
         paid.leaveCheck(left);
         paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
         QCOMPARE(paid.sent("CardUid"), QStringLiteral(""));
@@ -218,7 +206,7 @@ private Q_SLOTS:
 
     void commit_repeated_registersEachTime()
     {
-        PaidBench paid;
+        ConfirmedPayment paid;
         paid.service.plan(ScriptedService::pay());
         paid.bench.commitAnswered({HandlerBench::payment(70'001, 4'000)});
         paid.bench.commitAnswered({HandlerBench::payment(70'002, 11'000)});

@@ -38,11 +38,11 @@ void fail(FragilePayment &payment)
 
 const Way WAYS[] = {
     {"prompt, cancel", "needCancel", [](FragilePayment &payment) { QVERIFY(payment.bench().press("cancel")); }},
-    {"prompt, time-out", "needCancel", [](FragilePayment &) { FragilePayment::skip(A_MINUTE_MS); }},
+    {"prompt, time-out", "needCancel", [](FragilePayment &) { leap(A_MINUTE_MS); }},
     {"check, time-out", "needCancel",
      [](FragilePayment &payment) {
          readCard(payment);
-         FragilePayment::skip(A_MINUTE_MS);
+         leap(A_MINUTE_MS);
      }},
     {"error, OK", "needCancel",
      [](FragilePayment &payment) {
@@ -52,11 +52,11 @@ const Way WAYS[] = {
     {"error, time-out", "needCancel",
      [](FragilePayment &payment) {
          fail(payment);
-         FragilePayment::skip(A_MINUTE_MS);
+         leap(A_MINUTE_MS);
      }},
     {"question, yes", "needCancel",
      [](FragilePayment &payment) {
-         payment.permitCancel();
+         payment.bench().permitCancel();
          QVERIFY(payment.bench().press("yes"));
      }},
     {"card number, back", "needCancel",
@@ -72,14 +72,14 @@ const Way WAYS[] = {
     {"check, tick", "needTick",
      [](FragilePayment &payment) {
          readCard(payment);
-         FragilePayment::skip(LATER_MS);
+         leap(LATER_MS);
      }},
     {"answer", "parametersChanged",
      [](FragilePayment &payment) { payment.handler()->parkingCheckResponseHandler(ParkingCheckResponse()); }},
     {"answer, two seconds", "needShowPayDetail",
      [](FragilePayment &payment) {
          payment.handler()->parkingCheckResponseHandler(ParkingCheckResponse());
-         FragilePayment::skip(LATER_MS);
+         leap(LATER_MS);
      }},
 };
 
@@ -173,11 +173,11 @@ private Q_SLOTS:
             QObject::connect(&payment.bench().provider(), &Provider::parametersChanged, &context, kill);
         WAYS[way].go(payment);
         QVERIFY(killed > 0);
-        FragilePayment::skip(A_MINUTE_MS);
+        leap(A_MINUTE_MS);
         if (payment.handler() == nullptr)
             return;
         payment.plugin().stop();
-        FragilePayment::skip(0);
+        leap(0);
         QVERIFY(!payment.bench().hasForm());
         payment.bench().newPayment();
         payment.start();
@@ -218,9 +218,9 @@ private Q_SLOTS:
         for (int times = 0; times < 2; ++times) {
             QVERIFY(slot.invoke(payment.handler(), argument(0), argument(1)));
             payment.settle();
-            FragilePayment::skip(LATER_MS);
+            leap(LATER_MS);
         }
-        FragilePayment::skip(A_MINUTE_MS);
+        leap(A_MINUTE_MS);
         QVERIFY(!payment.bench().hasForm());
         QVERIFY(payment.handler()->helperViewer() == nullptr);
         QCOMPARE(QApplication::topLevelWidgets(), QWidgetList());
@@ -361,7 +361,7 @@ private Q_SLOTS:
             QObject::connect(controller, &MessageWidgetController::tick, controller, die);
         else
             QObject::connect(controller, &MessageWidgetController::finish, controller, die);
-        FragilePayment::skip(A_MINUTE_MS);
+        leap(A_MINUTE_MS);
         QVERIFY(!guard);
         QCOMPARE(payment.bench().messageText(), QString());
         // The tick comes first, and takes the time-out with it.

@@ -43,7 +43,7 @@ public:
     {
         if (m_root)
             m_plugin->stop();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
     }
     HandlerBench(const HandlerBench &) = delete;
     HandlerBench &operator=(const HandlerBench &) = delete;
@@ -65,8 +65,7 @@ public:
     void newPayment()
     {
         m_provider = std::make_unique<Provider>(PROVIDER_ID, QStringLiteral("Парковка"));
-        m_provider->setParameters(
-            parametersNamed({"card_num", "SummToPay", "TermNo", "ParkNumber", "StartDate", "StartTime", "UIN"}));
+        m_provider->setParameters(parametersNamed(parameterNames()));
         m_session = std::make_unique<SessionManager>(&m_project);
     }
     // The host's objects die in the middle of the payment; they are not to be asked for until the next one.
@@ -77,6 +76,12 @@ public:
     [[nodiscard]] SessionManager &session() const { return *m_session; }
     [[nodiscard]] FormProject &project() { return m_project; }
     [[nodiscard]] const Currency &currency() const { return m_currency; }
+
+    /// What the plugin fills of a provider's parameters.
+    [[nodiscard]] static QList<QByteArray> parameterNames()
+    {
+        return {"card_num", "SummToPay", "TermNo", "ParkNumber", "StartDate", "StartTime", "UIN"};
+    }
 
     /// Starts the payment and shows its form.
     void start()
@@ -95,6 +100,8 @@ public:
     {
         Q_EMIT m_session->newParcomatCardDataCommand(QStringLiteral("newParcomatCardData"), card);
     }
+    /// On the slot of that name, which is all that the host knows of it.
+    void permitCancel() const { QVERIFY(QMetaObject::invokeMethod(m_root.data(), "permitCancel")); }
     void commit(const QList<Payment> &payments) const
     {
         PayPack pack;
@@ -104,10 +111,13 @@ public:
     }
 
     /// commit() with a service that confirms, without the second until the plugin looks for the answer.
-    void commitAnswered(const QList<Payment> &payments) const
+    /// @return whether it was the answer that let the host go on.
+    bool commitAnswered(const QList<Payment> &payments) const
     {
-        const Meanwhile answered({{[this] { return topView().isEmpty(); }, [] { letPass(1'100); }}});
+        // The plugin puts the message up before anything can happen.
+        const Meanwhile answered({{[this] { return messageText().isEmpty(); }, [] { letPass(1'100); }}});
         commit(payments);
+        return answered.isDone();
     }
 
     /// A card of the cash service's car park that owes 150.00.
@@ -170,17 +180,18 @@ public:
             qFatal("there is no form");
         return form;
     }
-    /// What is on top: the viewer that the plugin laid over the form, else the form. May be null.
-    [[nodiscard]] FormViewer *topViewer() const
+    /// What is on top: the viewer that the plugin laid over the form, else the form. May be null, as the form may.
+    [[nodiscard]] static FormViewer *topViewerOf(PluginBaseFormViewer *form)
     {
-        FormViewer *top = m_form;
-        const auto children = m_form ? m_form->findChildren<FormViewer *>() : QList<FormViewer *>();
+        FormViewer *top = form;
+        const auto children = form != nullptr ? form->findChildren<FormViewer *>() : QList<FormViewer *>();
         for (FormViewer *child : children) {
             if (child->isVisible())
                 top = child;
         }
         return top;
     }
+    [[nodiscard]] FormViewer *topViewer() const { return topViewerOf(m_form); }
     /// The name of the view on top: "messagesView", "inputView"; empty for none.
     [[nodiscard]] QString topView() const { return topViewer() != nullptr ? topViewer()->currentView() : QString(); }
     /// Empty without a message on top.

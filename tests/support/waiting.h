@@ -13,6 +13,12 @@
 #include <algorithm>
 #include <functional>
 
+/// Lets what was scheduled for deletion go.
+inline void deleteReleased()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 /// Lets events happen until the condition holds.
 /// @param limitMs when to give it up: far more than it takes on a busy machine.
 template <typename Condition>
@@ -25,7 +31,7 @@ void waitUntil(const Condition &condition, int limitMs = 60'000)
     const QDeadlineTimer limit(limitMs);
     while (!condition() && !limit.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
     }
 }
 
@@ -43,8 +49,16 @@ inline void letPass(int ms)
     for (; ms > 0; ms -= step) {
         TestClock::skip(std::min(ms, step));
         QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
     }
+}
+
+/// The same in one leap, in which a timer fires once at the most.
+inline void leap(int ms)
+{
+    TestClock::skip(ms);
+    QCoreApplication::processEvents();
+    deleteReleased();
 }
 
 /// When a signal came for the first time. Bounds on it hold however slow the machine is: what is late is never early.

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "guiclient/messagewidgetcontroller.h"
+#include "parkomatpluginhandler.h"
+#include "support/waiting.h"
+
+/// Of a handler's own objects those of that class that are alive once the scheduled deletions are done.
+template <typename Child>
+[[nodiscard]] QList<Child *> childrenOf(const ParkomatPluginHandler &handler)
+{
+    deleteReleased();
+    return handler.findChildren<Child *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+/// One for each message that is up.
+[[nodiscard]] inline QList<MessageWidgetController *> controllers(const ParkomatPluginHandler &handler)
+{
+    return childrenOf<MessageWidgetController>(handler);
+}

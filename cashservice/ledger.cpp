@@ -6,6 +6,8 @@
 
 namespace cash {
 namespace {
+using Outcome = Registration::Outcome;
+
 constexpr char SCHEMA[] = R"(
 CREATE TABLE IF NOT EXISTS payments (
     number INTEGER PRIMARY KEY,
@@ -32,6 +34,14 @@ Database opened(const std::string &path, std::chrono::milliseconds patience)
     // A file that can only be read would be noticed with the first payment otherwise.
     database.run("BEGIN IMMEDIATE; PRAGMA user_version = 1; COMMIT;");
     return database;
+}
+
+/// Of a payment whose key is taken.
+Outcome outcomeOf(bool isAmountOther, bool isCardOther)
+{
+    if (isCardOther)
+        return isAmountOther ? Outcome::OtherCardAndAmount : Outcome::OtherCard;
+    return isAmountOther ? Outcome::OtherAmount : Outcome::Repeated;
 }
 } // namespace
 
@@ -103,31 +113,27 @@ void Ledger::writeAll(const std::vector<Job *> &jobs, Stays &changed)
 Registration Ledger::writeOne(const Payment &payment, Stays &changed)
 {
     if (std::optional<Registration> found = earlier(payment.request)) {
-        log(payment, found->outcome);
+        log(payment.request, payment.receivedAt, found->outcome);
         return *std::move(found);
     }
     const auto known = changed.find(payment.stayId);
     Stay after = known == changed.end() ? stay(payment.stayId) : known->second;
     after.paid = sum(after.paid, payment.request.amount);
     after.lastPayment = payment.receivedAt;
-    Registration registration{Registration::Outcome::Registered, payment.answer(after)};
+    Registration registration{Outcome::Registered, payment.answer(after)};
     insert(payment, after, registration.answer);
-    log(payment, registration.outcome);
+    log(payment.request, payment.receivedAt, registration.outcome);
     changed[payment.stayId] = after;
     return registration;
 }
 
-std::optional<Registration> Ledger::earlier(const Request &request) const
+std::optional<Registration> Ledger::earlier(const Request &request)
 {
     m_find.bind(1, request.termId).bind(2, request.sessionId).bind(3, request.uin);
     std::optional<Registration> found;
-    if (m_find.step()) {
-        found.emplace(Registration{Registration::Outcome::Repeated, m_find.text(2)});
-        if (m_find.text(1) != request.cardUid)
-            found->outcome = Registration::Outcome::OtherCard;
-        else if (m_find.number(0) != request.amount)
-            found->outcome = Registration::Outcome::OtherAmount;
-    }
+    if (m_find.step())
+        found.emplace(Registration{outcomeOf(m_find.number(0) != request.amount, m_find.text(1) != request.cardUid),
+                                   m_find.text(2)});
     m_find.reset();
     return found;
 }
@@ -142,19 +148,21 @@ void Ledger::insert(const Payment &payment, const Stay &stay, const std::string 
     m_saveStay.bind(1, payment.stayId).bind(2, stay.paid).bind(3, payment.receivedAt).finish();
 }
 
-void Ledger::log(const Payment &payment, Registration::Outcome outcome)
+void Ledger::log(const Request &request, Moment receivedAt, Outcome outcome)
 {
-    const Request &request = payment.request;
-    const std::string now = localText(payment.receivedAt);
+    const std::string now = localText(receivedAt);
     const std::string name = outcomeName(outcome);
     m_log.bind(1, now).bind(2, request.termId).bind(3, request.sessionId).bind(4, request.uin);
     m_log.bind(5, request.cardUid).bind(6, request.amount).bind(7, request.type).bind(8, name).finish();
 }
 
-std::optional<Registration> Ledger::find(const Request &request) const
+std::optional<Registration> Ledger::registerAgain(const Request &request, Moment receivedAt)
 {
     const std::lock_guard lock(m_writing);
-    return earlier(request);
+    std::optional<Registration> found = earlier(request);
+    if (found)
+        log(request, receivedAt, found->outcome);
+    return found;
 }
 
 Stay Ledger::stay(const std::string &stayId) const
@@ -189,17 +197,19 @@ std::vector<LogRow> Ledger::rows(const char *sql) const
     return found;
 }
 
-std::string outcomeName(Registration::Outcome outcome)
+std::string outcomeName(Outcome outcome)
 {
     switch (outcome) {
-    case Registration::Outcome::Registered:
+    case Outcome::Registered:
         return "registered";
-    case Registration::Outcome::Repeated:
+    case Outcome::Repeated:
         return "repeated";
-    case Registration::Outcome::OtherAmount:
+    case Outcome::OtherAmount:
         return "other amount";
-    case Registration::Outcome::OtherCard:
+    case Outcome::OtherCard:
         return "other card";
+    case Outcome::OtherCardAndAmount:
+        return "other card and amount";
     }
     return std::string();
 }

@@ -42,10 +42,11 @@ struct Registration
         Repeated,    ///< the same payment again: recorded once
         OtherAmount, ///< the key is taken by a payment of another amount: refused
         OtherCard,   ///< the key is taken by a payment for another card: refused
+        OtherCardAndAmount,
     };
 
     Outcome outcome = Outcome::Registered;
-    /// Of success: the same bytes, however often a payment is registered.
+    /// Of the payment that has the key: the same bytes, however often it is registered.
     std::string answer;
 };
 
@@ -74,8 +75,8 @@ public:
     /// Returns when the payment is durable. @throw DatabaseError where it cannot be made so: it is then not recorded.
     [[nodiscard]] Registration registerPayment(const Payment &payment);
 
-    /// What registerPayment() would return for a payment whose key is taken; nothing for a new one.
-    [[nodiscard]] std::optional<Registration> find(const Request &request) const;
+    /// As registerPayment() where the key is taken. A new payment is not recorded: nothing. @throw DatabaseError
+    [[nodiscard]] std::optional<Registration> registerAgain(const Request &request, Moment receivedAt);
     [[nodiscard]] Stay stay(const std::string &stayId) const;
     /// The payments, in the order in which they were registered.
     [[nodiscard]] std::vector<LogRow> payments() const;
@@ -96,9 +97,9 @@ private:
     void write(const std::vector<Job *> &jobs);
     void writeAll(const std::vector<Job *> &jobs, Stays &changed);
     [[nodiscard]] Registration writeOne(const Payment &payment, Stays &changed);
-    [[nodiscard]] std::optional<Registration> earlier(const Request &request) const;
+    [[nodiscard]] std::optional<Registration> earlier(const Request &request);
     void insert(const Payment &payment, const Stay &stay, const std::string &answer);
-    void log(const Payment &payment, Registration::Outcome outcome);
+    void log(const Request &request, Moment receivedAt, Registration::Outcome outcome);
     [[nodiscard]] std::vector<LogRow> rows(const char *sql) const;
 
     /// Ends after the database: closing the file would end SQLite's own locks.
@@ -106,7 +107,7 @@ private:
     /// Guards the database and the statements.
     mutable std::mutex m_writing;
     mutable Database m_database;
-    mutable Statement m_find;
+    Statement m_find;
     Statement m_insert;
     Statement m_saveStay;
     Statement m_log;

@@ -16,7 +16,8 @@ constexpr Refusal NOTHING_OWED = {3, "Парковка уже оплачена"}
 constexpr Refusal BLOCKED = {4, "Карта заблокирована"};
 constexpr Refusal UNAVAILABLE = {5, "Сервис временно недоступен"};
 constexpr Refusal OTHER_AMOUNT = {6, "Платёж уже зарегистрирован с другой суммой"};
-constexpr Refusal OTHER_CARD = {0, "Неверный запрос: CardUid: платёж уже зарегистрирован за другую карту"};
+constexpr Refusal OTHER_CARD = {6, "Платёж уже зарегистрирован за другую карту"};
+constexpr Refusal OTHER_CARD_AND_AMOUNT = {6, "Платёж уже зарегистрирован за другую карту и с другой суммой"};
 
 std::optional<Refusal> refusalOf(const Card *card, Operation operation)
 {
@@ -39,6 +40,27 @@ std::optional<Refusal> refusalOf(const Card *card, Operation operation)
         break;
     }
     return std::nullopt;
+}
+
+std::optional<Refusal> refusalOf(Registration::Outcome outcome)
+{
+    switch (outcome) {
+    case Registration::Outcome::Registered:
+    case Registration::Outcome::Repeated:
+        break;
+    case Registration::Outcome::OtherAmount:
+        return OTHER_AMOUNT;
+    case Registration::Outcome::OtherCard:
+        return OTHER_CARD;
+    case Registration::Outcome::OtherCardAndAmount:
+        return OTHER_CARD_AND_AMOUNT;
+    }
+    return std::nullopt;
+}
+
+std::chrono::milliseconds timeOf(const Card *card)
+{
+    return card == nullptr ? std::chrono::milliseconds(0) : card->answerAfter;
 }
 
 /// Upper and lower case are the same; parameters, and blanks before them, do not count.
@@ -67,6 +89,22 @@ bool preventsRecord(const Fault &fault)
 {
     return fault.stage == Stage::Before && fault.action != Fault::Action::Delay;
 }
+
+Reply spoiled(Answer answer, const std::vector<Fault> &faults)
+{
+    Encoding encoding = Encoding::Utf8;
+    for (const Fault &fault : faults) {
+        if (fault.action == Fault::Action::Status)
+            return {fault.number, std::string()};
+        if (fault.action == Fault::Action::Empty)
+            return {200, std::string()};
+        if (fault.action == Fault::Action::Encoding)
+            encoding = fault.encoding;
+        else
+            spoil(answer, fault);
+    }
+    return {200, toXml(answer, encoding)};
+}
 } // namespace
 
 Service::Service(CarPark park, Ledger &ledger, Clock clock)
@@ -78,10 +116,16 @@ Reply Service::answer(const Incoming &incoming, const Wait &wait)
     const std::vector<Fault> faults = m_faults.strike(incoming.operation);
     waitFor(faults, Stage::Before, wait);
     Composed composed = compose(incoming, std::none_of(faults.begin(), faults.end(), preventsRecord));
+    mixUpCards(composed, faults);
     if (composed.answerAfter.count() > 0)
         wait(composed.answerAfter);
     waitFor(faults, Stage::After, wait);
-    return spoiled(std::move(composed), faults);
+    const auto onlyDelays = [](const Fault &fault) { return fault.action == Fault::Action::Delay; };
+    if (composed.xml.empty())
+        return spoiled(std::move(composed.answer), faults);
+    if (std::all_of(faults.begin(), faults.end(), onlyDelays))
+        return {200, composed.xml};
+    return spoiled(answerFromXml(composed.xml), faults);
 }
 
 std::vector<Session> Service::sessions() const
@@ -103,99 +147,79 @@ Service::Composed Service::compose(const Incoming &incoming, bool mayRecord)
         return Composed(
             failure(operation, breach->sessionId, 0, "Неверный запрос: " + breach->field + ": " + breach->reason));
     const Request &request = std::get<Request>(read);
-    Composed composed = composeUnlessBroken(request, mayRecord);
-    composed.request = request;
+    const Card *const card = m_park.find(request.cardUid);
+    Composed composed = composeUnlessBroken(request, card, mayRecord);
+    composed.answerAfter = timeOf(card);
     return composed;
 }
 
-Service::Composed Service::composeUnlessBroken(const Request &request, bool mayRecord)
+Service::Composed Service::composeUnlessBroken(const Request &request, const Card *card, bool mayRecord)
 {
-    const Card *const card = m_park.find(request.cardUid);
     try {
-        return composeFor(request, card, mayRecord);
+        Composed composed = composeFor(request, card, mayRecord);
+        composed.request = request;
+        return composed;
     } catch (const DatabaseError &error) {
         std::cerr << "cash-service: the database cannot be used: " << error.what() << std::endl;
-        Composed composed(failure(request.operation, request.sessionId, UNAVAILABLE.code, UNAVAILABLE.text));
-        composed.answerAfter = card == nullptr ? composed.answerAfter : card->answerAfter;
-        return composed;
+        return Composed(failure(request, UNAVAILABLE));
     }
 }
 
 Service::Composed Service::composeFor(const Request &request, const Card *card, bool mayRecord)
 {
-    const bool isPayment = request.operation == Operation::ParkInfoPay;
-    Composed composed;
-    if (const std::optional<Refusal> refusal = refusalOf(card, request.operation))
-        composed = refused(request, *refusal);
-    else if (!isPayment)
-        composed = checked(request, *card);
-    else if (mayRecord)
-        composed = paid(request, *card);
-    else
-        composed.answer = payAnswer(request, *card, {sum(m_ledger.stay(card->stayId()).paid, request.amount), {}});
-    composed.answerAfter = card == nullptr ? composed.answerAfter : card->answerAfter;
-    return composed;
-}
-
-Service::Composed Service::refused(const Request &request, const Refusal &refusal) const
-{
-    // What was once registered stays so, whatever has become of the card.
-    if (request.operation == Operation::ParkInfoPay) {
-        std::optional<Registration> earlier = m_ledger.find(request);
-        if (earlier && earlier->outcome == Registration::Outcome::Repeated)
-            return Composed(std::move(earlier->answer));
-    }
-    return Composed(failure(request.operation, request.sessionId, refusal.code, refusal.text));
-}
-
-Service::Composed Service::checked(const Request &request, const Card &card) const
-{
-    return owedFor(card) <= 0 ? refused(request, NOTHING_OWED) : Composed(checkAnswer(request, card));
+    if (request.operation == Operation::ParkingCheck)
+        return Composed(answerFor(request, card));
+    if (mayRecord && !refusalOf(card, request.operation))
+        return registered(request, registerPayment(request, *card));
+    // What was once registered stays so, whatever has become of the card and whatever goes wrong now.
+    if (std::optional<Registration> known = m_ledger.registerAgain(request, m_clock()))
+        return registered(request, *std::move(known));
+    return Composed(answerFor(request, card));
 }
 
 /// Money that a terminal has taken is recorded whatever is owed by now.
-Service::Composed Service::paid(const Request &request, const Card &card)
+Registration Service::registerPayment(const Request &request, const Card &card)
 {
     Payment payment{request, card.stayId(), m_clock(), {}};
     payment.answer = [&](const Stay &stay) { return toXml(payAnswer(request, card, stay)); };
-    Registration registration = m_ledger.registerPayment(payment);
-    if (registration.outcome == Registration::Outcome::OtherAmount)
-        return refused(request, OTHER_AMOUNT);
-    if (registration.outcome == Registration::Outcome::OtherCard)
-        return refused(request, OTHER_CARD);
+    return m_ledger.registerPayment(payment);
+}
+
+Service::Composed Service::registered(const Request &request, Registration registration) const
+{
+    if (const std::optional<Refusal> refusal = refusalOf(registration.outcome))
+        return Composed(failure(request, *refusal));
     return Composed(std::move(registration.answer));
 }
 
-Reply Service::spoiled(Composed composed, const std::vector<Fault> &faults) const
+/// Answers as for another card, in its time.
+void Service::mixUpCards(Composed &composed, const std::vector<Fault> &faults) const
 {
-    const auto onlyDelays = [](const Fault &fault) { return fault.action == Fault::Action::Delay; };
-    if (!composed.xml.empty() && std::all_of(faults.begin(), faults.end(), onlyDelays))
-        return {200, composed.xml};
-    if (!composed.xml.empty())
-        composed.answer = answerFromXml(composed.xml);
-    Encoding encoding = Encoding::Utf8;
+    if (!composed.request)
+        return;
     for (const Fault &fault : faults) {
-        if (fault.action == Fault::Action::Status)
-            return {fault.number, std::string()};
-        if (fault.action == Fault::Action::Empty)
-            return {200, std::string()};
-        if (fault.action == Fault::Action::Encoding)
-            encoding = fault.encoding;
-        else if (fault.action == Fault::Action::Card)
-            composed.answer = answerForOtherCard(composed.request, fault.name);
-        else
-            spoil(composed.answer, fault);
+        if (fault.action != Fault::Action::Card)
+            continue;
+        const Card *const card = m_park.find(wireUid(uidFromText(fault.name).value_or(0)));
+        composed.answer = answerFor(*composed.request, card);
+        composed.xml.clear();
+        composed.answerAfter = timeOf(card);
     }
-    return {200, toXml(composed.answer, encoding)};
 }
 
-Answer Service::answerForOtherCard(const Request &request, const std::string &uid) const
+/// Records nothing: a payment is answered as if it were recorded.
+Answer Service::answerFor(const Request &request, const Card *card) const
 {
-    const Card *const card = m_park.find(wireUid(uidFromText(uid).value_or(0)));
-    if (card == nullptr)
-        return failure(request.operation, request.sessionId, NO_CARD.code, NO_CARD.text);
-    return request.operation == Operation::ParkingCheck ? checkAnswer(request, *card)
-                                                        : payAnswer(request, *card, m_ledger.stay(card->stayId()));
+    if (const std::optional<Refusal> refusal = refusalOf(card, request.operation))
+        return failure(request, *refusal);
+    if (request.operation == Operation::ParkInfoPay)
+        return payAnswer(request, *card, {sum(m_ledger.stay(card->stayId()).paid, request.amount), {}});
+    return owedFor(*card) <= 0 ? failure(request, NOTHING_OWED) : checkAnswer(request, *card);
+}
+
+Answer Service::failure(const Request &request, const Refusal &refusal) const
+{
+    return failure(request.operation, request.sessionId, refusal.code, refusal.text);
 }
 
 Answer Service::failure(Operation operation, const std::string &sessionId, int code, const std::string &text) const

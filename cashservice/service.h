@@ -7,6 +7,7 @@
 #include "ledger.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -70,19 +71,20 @@ private:
 
         Answer answer;
         std::string xml;
-        Request request;
+        /// What could be answered for another card too: not what breaks the protocol.
+        std::optional<Request> request;
         std::chrono::milliseconds answerAfter{0};
     };
 
     [[nodiscard]] Composed compose(const Incoming &incoming, bool mayRecord);
-    [[nodiscard]] Composed composeUnlessBroken(const Request &request, bool mayRecord);
+    [[nodiscard]] Composed composeUnlessBroken(const Request &request, const Card *card, bool mayRecord);
     [[nodiscard]] Composed composeFor(const Request &request, const Card *card, bool mayRecord);
-    [[nodiscard]] Composed refused(const Request &request, const Refusal &refusal) const;
-    [[nodiscard]] Composed checked(const Request &request, const Card &card) const;
-    [[nodiscard]] Composed paid(const Request &request, const Card &card);
-    [[nodiscard]] Reply spoiled(Composed composed, const std::vector<Fault> &faults) const;
-    [[nodiscard]] Answer answerForOtherCard(const Request &request, const std::string &uid) const;
+    [[nodiscard]] Registration registerPayment(const Request &request, const Card &card);
+    [[nodiscard]] Composed registered(const Request &request, Registration registration) const;
+    void mixUpCards(Composed &composed, const std::vector<Fault> &faults) const;
 
+    [[nodiscard]] Answer answerFor(const Request &request, const Card *card) const;
+    [[nodiscard]] Answer failure(const Request &request, const Refusal &refusal) const;
     [[nodiscard]] Answer failure(Operation operation, const std::string &sessionId, int code,
                                  const std::string &text) const;
     [[nodiscard]] Answer checkAnswer(const Request &request, const Card &card) const;

@@ -17,12 +17,11 @@ constexpr cash::Moment NOW = 1'709'809'509;
 class RunningService
 {
 public:
-    explicit RunningService(const cash::Limits &limits = {},
-                            const std::string &database = ":memory:", const std::string &host = "127.0.0.1")
+    explicit RunningService(const cash::Limits &limits = {}, const std::string &database = ":memory:")
         : m_ledger(database), m_service(cash::seededCarPark(NOW), m_ledger, [this] { return m_now.load(); }),
           m_server(m_service, "/api", limits)
     {
-        m_server.start(host, 0);
+        m_server.start("127.0.0.1", 0);
     }
 
     [[nodiscard]] int port() const { return m_server.port(); }

@@ -121,11 +121,55 @@ private Q_SLOTS:
         QCOMPARE(service.ledger().payments().front().cardUid, std::string("78563412"));
     }
 
-    void fault_ofAnUnknownCard_findsNone()
+    void fault_ofACardThatIsRefused_answersItsCode_data()
     {
+        QTest::addColumn<QByteArray>("uid");
+        QTest::addColumn<QByteArray>("checkCode");
+        QTest::addColumn<QByteArray>("payCode");
+        QTest::addColumn<QByteArray>("text");
+        const auto cardRow = [](const char *uid, const char *check, const char *pay, const char *text) {
+            QTest::newRow(uid) << QByteArray(uid) << QByteArray(check) << QByteArray(pay) << QByteArray(text);
+        };
+        cardRow("ABCDEF01", "2", "2", "Карта не найдена");
+        cardRow("10000000", "0", "0", "Неверный запрос: CardUid");
+        cardRow("10000002", "2", "2", "Карта не найдена");
+        cardRow("10000003", "3", "3", "Парковка уже оплачена");
+        cardRow("10000004", "4", "4", "Карта заблокирована");
+        cardRow("10000005", "5", "5", "Сервис временно недоступен");
+        cardRow("10000006", "1", "6", "Платёж уже зарегистрирован с другой суммой");
+    }
+
+    void fault_ofACardThatIsRefused_answersItsCode()
+    {
+        QFETCH(const QByteArray, uid);
+        QFETCH(const QByteArray, checkCode);
+        QFETCH(const QByteArray, payCode);
+        QFETCH(const QByteArray, text);
         RunningService service;
-        service.setFault("any:card=ABCDEF01");
-        QCOMPARE(resultCode(post(service, "ParkingCheck")), QByteArray("2"));
+        service.setFault("any:card=" + uid.toStdString());
+        QCOMPARE(resultCode(post(service, "ParkingCheck")), checkCode);
+        const QByteArray paid = post(service, "ParkInfoPay");
+        QCOMPARE(resultCode(paid), payCode);
+        QCOMPARE(elementText(paid, "ErrorInfo"), text);
+        // The payment is the customer's own all the same.
+        QCOMPARE(service.ledger().payments().front().cardUid, std::string("78563412"));
+    }
+
+    void fault_ofTheCard_ofARequestThatIsNone_answersTheBreach_data()
+    {
+        QTest::addColumn<QByteArray>("operation");
+        QTest::newRow("ParkingCheck") << QByteArray("ParkingCheck");
+        QTest::newRow("ParkInfoPay") << QByteArray("ParkInfoPay");
+    }
+
+    void fault_ofTheCard_ofARequestThatIsNone_answersTheBreach()
+    {
+        QFETCH(const QByteArray, operation);
+        RunningService service;
+        service.setFault("any:card=12345678");
+        const QByteArray answer = HttpClient::exchange(service.port(), "POST", "/api/" + operation, "garbage").body;
+        QVERIFY(answer.contains("<Response Operation=\"" + operation + "Response\" ResultCode=\"0\">"));
+        QVERIFY(elementText(answer, "ErrorInfo").startsWith("Неверный запрос: XML"));
     }
 
     void fault_ofTheEncoding_saysTheSame_data()
@@ -197,6 +241,44 @@ private Q_SLOTS:
         RunningService service;
         service.setFault("ParkInfoPay@before:missing=PartnerId");
         QCOMPARE(post(service, "ParkInfoPay"), clean("ParkInfoPay").replace("    <PartnerId>north</PartnerId>\n", ""));
+    }
+
+    void fault_before_leavesAPaymentThatIsKnownAsItIs_data()
+    {
+        QTest::addColumn<QByteArray>("rule");
+        QTest::addColumn<QByteArray>("from");
+        QTest::addColumn<QByteArray>("to");
+        const auto knownRow = [](const char *rule, const char *from, const char *to) {
+            QTest::newRow(rule) << QByteArray(rule) << QByteArray(from) << QByteArray(to);
+        };
+        knownRow("ParkInfoPay@before:missing=PartnerId", "    <PartnerId>north</PartnerId>\n", "");
+        knownRow("ParkInfoPay@before:malformed=PartnerId", ">north<", ">?<");
+        knownRow("ParkInfoPay@before:doubled=PartnerId", "</Response>", "    <PartnerId>?</PartnerId>\n</Response>");
+        knownRow("ParkInfoPay@before:operation", "ParkInfoPayResponse", "ParkingCheckResponse");
+        knownRow("ParkInfoPay@before:encoding=windows-1251", "UTF-8", "windows-1251");
+        knownRow("ParkInfoPay@before:delay=1ms", "", "");
+    }
+
+    void fault_before_leavesAPaymentThatIsKnownAsItIs()
+    {
+        QFETCH(const QByteArray, rule);
+        QFETCH(const QByteArray, from);
+        QFETCH(const QByteArray, to);
+        RunningService service;
+        QByteArray expected = post(service, "ParkInfoPay");
+        QVERIFY(expected.contains(from));
+        if (!from.isEmpty())
+            expected.replace(from, to);
+        service.setNow(NOW + cash::HOUR);
+        service.setFault(rule.toStdString());
+        QCOMPARE(post(service, "ParkInfoPay"), expected);
+        QCOMPARE(service.ledger().payments().size(), std::size_t(1));
+        QVERIFY(service.ledger().conflicts().empty());
+        Requests::Values values;
+        values.amount = "14000";
+        const QByteArray refused = HttpClient::parkInfoPay(service.port(), Requests::parkInfoPay(values)).body;
+        QCOMPARE(resultCode(refused), QByteArray("6"));
+        QCOMPARE(service.ledger().conflicts().size(), std::size_t(2));
     }
 
     void fault_counted_strikesThoseRequests_data()

@@ -88,14 +88,56 @@ private Q_SLOTS:
         QCOMPARE(qint64(ledger.stay("other").paid), qint64(0));
     }
 
-    void payment_found_onlyOnceItIsRegistered()
+    void payment_again_isAnsweredAndKeptInTheLogOnlyOnceItIsRegistered()
     {
         cash::Ledger ledger(":memory:");
-        QVERIFY(!ledger.find(payment(1).request));
+        QVERIFY(!ledger.registerAgain(payment(1).request, AT));
+        QVERIFY(!ledger.registerAgain(payment(1, 7).request, AT));
         (void)ledger.registerPayment(payment(1));
-        QCOMPARE(ledger.find(payment(1).request).value_or(Registration()).outcome, Registration::Outcome::Repeated);
-        QCOMPARE(ledger.find(payment(1, 7).request).value_or(Registration()).outcome,
+        QVERIFY(ledger.conflicts().empty());
+        const Registration again = ledger.registerAgain(payment(1).request, AT).value_or(Registration());
+        QCOMPARE(again.outcome, Registration::Outcome::Repeated);
+        QCOMPARE(again.answer, std::string("paid 100"));
+        QVERIFY(ledger.conflicts().empty());
+        QCOMPARE(ledger.registerAgain(payment(1, 7).request, AT).value_or(Registration()).outcome,
                  Registration::Outcome::OtherAmount);
+        QCOMPARE(ledger.conflicts().size(), std::size_t(2));
+    }
+
+    void payment_thatDiffersUnderATakenKey_isAConflictWhateverDiffers_data()
+    {
+        QTest::addColumn<QByteArray>("cardUid");
+        QTest::addColumn<int>("amount");
+        QTest::addColumn<int>("outcome");
+        const auto row = [](const char *name, const char *cardUid, int amount, Registration::Outcome outcome) {
+            QTest::newRow(name) << QByteArray(cardUid) << amount << static_cast<int>(outcome);
+        };
+        row("nothing", Requests::DEMO_CARD, 100, Registration::Outcome::Repeated);
+        row("amount", Requests::DEMO_CARD, 7, Registration::Outcome::OtherAmount);
+        row("card", "07000010", 100, Registration::Outcome::OtherCard);
+        row("card and amount", "07000010", 7, Registration::Outcome::OtherCardAndAmount);
+    }
+
+    void payment_thatDiffersUnderATakenKey_isAConflictWhateverDiffers()
+    {
+        QFETCH(const QByteArray, cardUid);
+        QFETCH(const int, amount);
+        QFETCH(const int, outcome);
+        cash::Ledger ledger(":memory:");
+        (void)ledger.registerPayment(payment(1));
+        cash::Payment second = payment(1, amount);
+        second.request.cardUid = cardUid.toStdString();
+        const auto expected = static_cast<Registration::Outcome>(outcome);
+        QCOMPARE(ledger.registerPayment(second).outcome, expected);
+        QCOMPARE(ledger.registerAgain(second.request, AT).value_or(Registration()).outcome, expected);
+        const std::vector<cash::LogRow> conflicts = ledger.conflicts();
+        QCOMPARE(conflicts.size(), std::size_t(expected == Registration::Outcome::Repeated ? 0 : 3));
+        for (std::size_t i = 1; i < conflicts.size(); ++i) {
+            QCOMPARE(conflicts[i].outcome, cash::outcomeName(expected));
+            QCOMPARE(conflicts[i].cardUid, cardUid.toStdString());
+            QCOMPARE(qint64(conflicts[i].amount), qint64(amount));
+        }
+        QCOMPARE(ledger.payments().size(), std::size_t(1));
     }
 
     void file_openedAgain_holdsWhatWasRegistered()

@@ -209,31 +209,6 @@ private Q_SLOTS:
         QCOMPARE(HttpClient::header(head, "connection"), QByteArray());
     }
 
-    void contentType_inAnyWriting_isTheSame_data()
-    {
-        QTest::addColumn<QByteArray>("contentType");
-        QTest::addColumn<QByteArray>("code");
-        const auto row = [](const char *contentType, const char *code) {
-            QTest::newRow(contentType) << QByteArray(contentType) << QByteArray(code);
-        };
-        row("application/soap+xml", "1");
-        row("Application/SOAP+XML", "1");
-        row("application/soap+xml ; charset=utf-8", "1");
-        row("application/soap+xmls", "0");
-        row("application/soap +xml", "0");
-        row(";", "0");
-    }
-
-    void contentType_inAnyWriting_isTheSame()
-    {
-        QFETCH(const QByteArray, contentType);
-        QFETCH(const QByteArray, code);
-        const RunningService service;
-        HttpClient client(service.port());
-        client.send(HttpClient::request("POST", "/api/ParkingCheck", Requests::parkingCheck(), contentType));
-        QCOMPARE(resultCode(client.read().body), code);
-    }
-
     void database_broken_isToldToEveryClient_data()
     {
         QTest::addColumn<QByteArray>("cardUid");

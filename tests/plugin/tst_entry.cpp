@@ -20,6 +20,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
 
 namespace {
 const QString PLUGIN = QStringLiteral(PLUGIN_FILE);
@@ -44,6 +45,38 @@ std::ptrdiff_t slotOf(Function function)
     std::memcpy(&word, &function, sizeof word);
     return (word - 1) / static_cast<std::ptrdiff_t>(sizeof(void *));
 }
+
+// What the operations take and give, in their order: hosts are built against it.
+using I = IPayByProvider;
+static_assert(std::is_same_v<decltype(&I::pluginVersion), QString (I::*)() const>);
+static_assert(std::is_same_v<decltype(&I::pluginBuild), QString (I::*)() const>);
+static_assert(std::is_same_v<decltype(&I::supportedProviders), QSet<long long> (I::*)() const>);
+static_assert(std::is_same_v<decltype(&I::setMessageReciever), bool (I::*)(QObject *, const char *)>);
+static_assert(std::is_same_v<decltype(&I::setMessageSender), bool (I::*)(QObject *, const char *)>);
+static_assert(std::is_same_v<decltype(&I::setTrelmInfo), void (I::*)(const TrelmInfo &)>);
+static_assert(std::is_same_v<decltype(&I::start), IPayWidget *(I::*)(Provider *, const Currency &, SessionManager *)>);
+static_assert(std::is_same_v<decltype(&I::needRestartIfExists), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::hasSettingsWidget), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::needPaymentPredProcessing), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::needPaymentPostProcessing), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::needPaymentPayCheck), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::needPaymentJsonPayCheck), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::needCloseCycleSummCheck), bool (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::prepareCloseCycleSummCheck), QList<QVariantMap> (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::startWaitPostProcessing), void (I::*)(QVariant)>);
+static_assert(std::is_same_v<decltype(&I::doPaymentPredProcessing), void (I::*)(SessionManager *, PayPack *)>);
+static_assert(std::is_same_v<decltype(&I::doPaymentPayCheck),
+                             bool (I::*)(SessionManager *, Payment, Provider *, QVariantMap, QVariantMap *)>);
+static_assert(std::is_same_v<decltype(&I::sendPaymentJsonPayCheck),
+                             void (I::*)(SessionManager *, Payment, Provider *, QVariantMap *)>);
+static_assert(std::is_same_v<decltype(&I::getSettingsWidget), IPayByProviderSettingsWidget *(I::*)()>);
+static_assert(std::is_same_v<decltype(&I::stop), void (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::showInitScreen), void (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::pluginDescription), QString (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::pluginFormTemplates), QVariantMap (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::pluginId), int (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::pluginStringId), QString (I::*)()>);
+static_assert(std::is_same_v<decltype(&I::getStompFilters), QVariantList (I::*)()>);
 } // namespace
 
 /// The plugin's shared library as a host finds, judges and loads it.
@@ -182,7 +215,6 @@ private Q_SLOTS:
 
     void interface_hasItsOrder()
     {
-        using I = IPayByProvider;
         const std::ptrdiff_t places[] = {
             slotOf(&I::pluginVersion),
             slotOf(&I::pluginBuild),

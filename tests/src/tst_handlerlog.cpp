@@ -4,6 +4,7 @@
 #include "parkomatlogger.h"
 #include "parkomatpluginhandler.h"
 #include "scriptedservice.h"
+#include "support/golden.h"
 #include "support/stillclock.h"
 
 #include <QApplication>
@@ -42,6 +43,18 @@ QStringList takeHandlersLines()
             continue;
         all.append(line.line > 0 ? rendered(line.level, line.category, line.function, line.text)
                                  : QStringLiteral("a line without a number"));
+    }
+    return all;
+}
+
+/// Where the plugin's lines since the last call come from, in order, one a line: "level [category] file function".
+QByteArray takeOrigins()
+{
+    QByteArray all;
+    const QList<LogLine> lines = MessageLog::take();
+    for (const LogLine &line : lines) {
+        if (line.file.startsWith(QLatin1String("src/")))
+            all += rendered(line.level, line.category, line.file, line.function).toUtf8() + '\n';
     }
     return all;
 }
@@ -102,6 +115,14 @@ private Q_SLOTS:
         QCOMPARE(takeHandlersLines(), linesOfAPayment(request));
     }
 
+    // A line tells by its place what had been done when it was written: the request is on record before it is sent.
+    void payment_whole_isLoggedByEachPartInTurn()
+    {
+        const StillClock clock;
+        runAPayment();
+        COMPARE_GOLDEN(takeOrigins(), QStringLiteral("payment-log.txt"));
+    }
+
     void payment_categoryOff_isLoggedWithoutItsLines_data()
     {
         QTest::addColumn<QString>("rules");
@@ -127,6 +148,17 @@ private Q_SLOTS:
                 expected.append(line);
         }
         QCOMPARE(takeHandlersLines(), expected);
+    }
+
+    void start_repeated_isLoggedEachTime()
+    {
+        ParkomatPluginHandler handler;
+        HandlerBench bench(&handler);
+        MessageLog::drop();
+        bench.start();
+        bench.start();
+        const QString line = rendered(QtDebugMsg, PARKOMAT, START, QStringLiteral("NALOG_PLUGIN_STARTED"));
+        QCOMPARE(takeHandlersLines(), QStringList({line, line}));
     }
 
     void commit_beforeStart_isCritical()

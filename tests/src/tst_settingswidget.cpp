@@ -6,7 +6,9 @@
 #include "parkomatsettings.h"
 #include "support/testcase.h"
 
+#include <QAccessible>
 #include <QApplication>
+#include <QFile>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,6 +18,10 @@
 #include <QTranslator>
 
 #include <memory>
+#include <type_traits>
+
+// The host has no business deleting a page by this interface.
+static_assert(!std::has_virtual_destructor_v<IPayByProviderSettingsWidget>);
 
 namespace {
 const char *const LINES[] = {"leParkingId", "lePartnerId", "leTermId", "leCashServiceIp", "leCashServicePath"};
@@ -131,9 +137,11 @@ private Q_SLOTS:
         QVERIFY(shownLabel != nullptr);
         QCOMPARE(shownLabel->objectName(), QString::fromLatin1(label));
         QCOMPARE(shownLabel->text(), text);
-        QCOMPARE(grid->itemAtPosition(row, 1)->widget()->objectName(), QString::fromLatin1(editor));
-        QCOMPARE(grid->itemAtPosition(row, 1)->widget()->metaObject()->className(),
-                 editor == "sbCashServicePort" ? "QSpinBox" : "QLineEdit");
+        QWidget *const shownEditor = grid->itemAtPosition(row, 1)->widget();
+        QCOMPARE(shownEditor->objectName(), QString::fromLatin1(editor));
+        QCOMPARE(shownEditor->metaObject()->className(), editor == "sbCashServicePort" ? "QSpinBox" : "QLineEdit");
+        // Who does not see the page is told which editor it is.
+        QCOMPARE(QAccessible::queryAccessibleInterface(shownEditor)->text(QAccessible::Name), text);
     }
 
     void form_page_isAsLaidOut()
@@ -232,6 +240,21 @@ private Q_SLOTS:
         // The terminal's own number is the parking meter's from now on.
         TerminalAppSettings().setTrelmId(5);
         QCOMPARE(ParkomatSettings().termId(), QStringLiteral("4224"));
+    }
+
+    void save_fresh_storesInTheOrderOfTheSettings()
+    {
+        ParkomatPluginSettingsWidget().saveSettings();
+        QFile file(TerminalAppSettings::fileName());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QStringList keys;
+        const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+        for (const QString &line : lines) {
+            if (line.contains(QLatin1Char('=')))
+                keys.append(line.section(QLatin1Char('='), 0, 0));
+        }
+        QCOMPARE(keys, QStringList({QStringLiteral("ParkingId"), QStringLiteral("PartnerId"), QStringLiteral("TermId"),
+                                    QStringLiteral("csHost"), QStringLiteral("csPort"), QStringLiteral("csPath")}));
     }
 
     void save_edits_areStoredAsTheyAre()

@@ -2,15 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "guiclient/messagewidgetcontroller.h"
 #include "guiclient/pluginproviderparameterinputcontroller.h"
-#include "parkomatpluginhandler.h"
+#include "handlerchildren.h"
 #include "support/handlerbench.h"
 #include "support/testclock.h"
-
-#include <QNetworkReply>
-
-#include <algorithm>
 
 /// A payment through a handler of its own, each part of which can be taken away at any moment, and a cash service that
 /// answers when it is told to.
@@ -64,12 +59,7 @@ public:
     // The cash service
 
     /// Requests that the plugin has posted and that are not answered.
-    [[nodiscard]] int unanswered() const
-    {
-        const auto replies = m_handler ? m_handler->findChildren<QNetworkReply *>() : QList<QNetworkReply *>();
-        return static_cast<int>(std::count_if(replies.cbegin(), replies.cend(),
-                                              [](const QNetworkReply *reply) { return !reply->isFinished(); }));
-    }
+    [[nodiscard]] int unanswered() const { return ::unanswered(m_handler).size(); }
     [[nodiscard]] bool isPayInFlight() const
     {
         return unanswered() > 0 && !m_service.requests().isEmpty() &&

@@ -8,12 +8,12 @@
 #include "plugininterface/ipaybyprovidersettingswidget.h"
 #include "support/handlerbench.h"
 #include "support/testclock.h"
+#include "walkcustomer.h"
+#include "walkservice.h"
 
 #include <QApplication>
 #include <QMetaMethod>
-#include <QNetworkReply>
 
-#include <algorithm>
 #include <numeric>
 #include <random>
 
@@ -33,8 +33,6 @@ public:
         TestClock::freeze(now());
         qRegisterMetaType<ParkInfoPayResponse>("ParkInfoPayResponse");
         qRegisterMetaType<ParkingCheckResponse>("ParkingCheckResponse");
-        HandlerBench::useService(m_service.port());
-        m_service.planForAll(RawAnswer::held());
         makeHandler(0, 0);
         makeSession(0, 0);
         makeProvider(0, 0);
@@ -167,14 +165,12 @@ private:
     }
     [[nodiscard]] static QVariant argument(int type, unsigned b)
     {
-        static const QStringList texts = {QString(), QStringLiteral("777"), QStringLiteral("12345678"),
-                                          QStringLiteral("не число"), QString(5'000, QLatin1Char('f'))};
         static const int codes[] = {-1, 0, 1, 2, 3, 110};
         switch (type) {
         case QMetaType::Int:
             return codes[b % std::size(codes)];
         case QMetaType::QString:
-            return texts.at(static_cast<int>(b) % texts.size());
+            return WalkCustomer::text(b);
         case QMetaType::QVariantMap:
             return card(b);
         default:
@@ -212,7 +208,7 @@ private:
         if (a % 2 == 0)
             page->saveSettings();
         // What was saved must not lead away from the test's service.
-        HandlerBench::useService(m_service.port());
+        m_service.use();
     }
     void setMessageEnds(unsigned a, unsigned b)
     {
@@ -251,7 +247,7 @@ private:
     void loseForm(unsigned /*a*/, unsigned /*b*/) { delete m_form; }
     void loseView(unsigned /*a*/, unsigned /*b*/)
     {
-        if (const FormViewer *const viewer = topViewer())
+        if (const FormViewer *const viewer = HandlerBench::topViewerOf(m_form))
             delete viewer->getUi(viewer->currentView());
     }
     void loseSettings(unsigned /*a*/, unsigned /*b*/) { delete m_settings; }
@@ -293,67 +289,9 @@ private:
         if (m_session)
             m_session->setPluginsData({{QString::number(HandlerBench::PROVIDER_ID), card(a)}});
     }
-    [[nodiscard]] FormViewer *topViewer() const
-    {
-        FormViewer *top = m_form;
-        const auto children = m_form ? m_form->findChildren<FormViewer *>() : QList<FormViewer *>();
-        for (FormViewer *child : children) {
-            if (child->isVisible())
-                top = child;
-        }
-        return top;
-    }
-    void press(unsigned a, unsigned /*b*/)
-    {
-        const FormViewer *const viewer = topViewer();
-        const QWidget *const view = viewer != nullptr ? viewer->getUi(viewer->currentView()) : nullptr;
-        QList<QAbstractButton *> buttons =
-            view != nullptr ? view->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
-        const auto isHidden = [](const QAbstractButton *button) { return !button->isVisible(); };
-        buttons.erase(std::remove_if(buttons.begin(), buttons.end(), isHidden), buttons.end());
-        if (!buttons.isEmpty())
-            buttons.at(static_cast<int>(a) % buttons.size())->click();
-    }
-    void type(unsigned a, unsigned b)
-    {
-        const FormViewer *const viewer = topViewer();
-        auto *const line = viewer != nullptr ? viewer->findChild<QLineEdit *>(QStringLiteral("inputLine")) : nullptr;
-        if (line == nullptr || !line->isVisible())
-            return;
-        line->setText(argument(QMetaType::QString, a).toString());
-        auto *const next = line->parent()->findChild<QAbstractButton *>(b % 4 == 0 ? QStringLiteral("backButton")
-                                                                                   : QStringLiteral("nextButton"));
-        next->click();
-    }
-    /// Requests that wait for an answer.
-    [[nodiscard]] QList<int> held() const
-    {
-        QList<int> all;
-        for (int i = 0; i < m_service.requests().size(); ++i) {
-            if (!m_answered.contains(i) && m_service.isOpen(m_service.requests().at(i).connection))
-                all.append(i);
-        }
-        return all;
-    }
-    void answer(unsigned a, unsigned b)
-    {
-        static const QList<RawAnswer> answers = {
-            {RawAnswer::http("200 OK", "<Response Operation=\"ParkingCheckResponse\" ResultCode=\"1\"/>")},
-            {RawAnswer::http("200 OK", "<Response Operation=\"ParkInfoPayResponse\" ResultCode=\"1\"/>")},
-            {RawAnswer::http("200 OK", "<Response Operation=\"ParkInfoPayResponse\" ResultCode=\"6\"/>")},
-            {RawAnswer::http("200 OK", "no answer")},
-            {RawAnswer::http("503 Service Unavailable", QByteArray())},
-            {"HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<Response", RawAnswer::Then::Reset}};
-        const QList<int> waiting = held();
-        if (waiting.isEmpty())
-            return;
-        const int request = waiting.at(static_cast<int>(a) % waiting.size());
-        const QList<QPointer<QNetworkReply>> before = unanswered(m_handler);
-        m_answered.append(request);
-        m_service.send(m_service.requests().at(request).connection, answers.at(static_cast<int>(b) % answers.size()));
-        const auto isOver = [](const QPointer<QNetworkReply> &reply) { return !reply || reply->isFinished(); };
-        waitUntil([&before, isOver] { return std::any_of(before.cbegin(), before.cend(), isOver); });
-    }
+    void press(unsigned a, unsigned /*b*/) { WalkCustomer::press(m_form, a); }
+    void type(unsigned a, unsigned b) { WalkCustomer::type(m_form, a, b % 4 == 0); }
+    void answer(unsigned a, unsigned b) { m_service.answer(handler(), a, b); }
     void letTimePass(unsigned a, unsigned /*b*/)
     {
         static const int lengths[] = {100, 1'000, 2'500, 16'000, 61'000};
@@ -363,31 +301,12 @@ private:
 
     // What must hold
 
-    [[nodiscard]] static QList<QPointer<QNetworkReply>> unanswered(const QObject *of)
-    {
-        QList<QPointer<QNetworkReply>> all;
-        for (QNetworkReply *reply : of->findChildren<QNetworkReply *>()) {
-            if (!reply->isFinished())
-                all.append(reply);
-        }
-        return all;
-    }
-    /// Requests that must have reached the service, or will.
-    [[nodiscard]] int expected() const
-    {
-        // Qt opens so many connections to one service, and lets other requests wait for them.
-        constexpr int mostConnections = 6;
-        int sum = 0;
-        for (const QNetworkAccessManager *manager : handler().findChildren<QNetworkAccessManager *>())
-            sum += std::min(mostConnections, unanswered(manager).size());
-        return sum;
-    }
     /// Lets everything happen that needs no time.
     void settle()
     {
-        waitUntil([this] { return m_handler ? held().size() >= expected() : m_service.openConnections() == 0; });
+        waitUntil([this] { return m_service.hasAllOf(m_handler); });
         QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
     }
     template <typename Object>
     [[nodiscard]] int count() const
@@ -427,8 +346,7 @@ private:
     int m_starts = 0;
     int m_depth = 0;
     QString m_wrong;
-    RawServer m_service;
-    QList<int> m_answered;
+    WalkService m_service;
     FormProject m_project;
     QObject m_context;
     QPointer<ParkomatPluginHandler> m_handler;

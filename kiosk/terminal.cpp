@@ -44,9 +44,9 @@ bool Terminal::isPaying() const
 
 bool Terminal::canPay() const
 {
-    // Under a message the plugin is at something whose end would be taken for the confirmation's.
-    return m_screen == Screen::Details && !m_isCommitting && !purchase().isNothingDue() && purchase().hasCash() &&
-           m_session->isDetailsUp();
+    // Under a message the plugin is at something whose end would be taken for the confirmation's. Where nothing is due
+    // any more it is the way out, with all the money owed to the customer.
+    return m_screen == Screen::Details && !m_isCommitting && purchase().hasCash() && m_session->isDetailsUp();
 }
 
 bool Terminal::canCancel() const
@@ -58,6 +58,11 @@ bool Terminal::acceptsCash() const
 {
     // No change is given: a note may be more than what is left to pay in, but none comes behind the whole of it.
     return m_screen == Screen::Details && !m_isCommitting && !m_isQuitting && purchase().toPayIn() > FixNumber();
+}
+
+int Terminal::secondsToCommit() const
+{
+    return m_screen == Screen::Details && !m_isCommitting && purchase().hasCash() ? m_inactivity.secondsLeft() : 0;
 }
 
 QWidget *Terminal::formWidget() const

@@ -75,6 +75,8 @@ public:
     /// Whether the verb would do something now: for the buttons.
     [[nodiscard]] bool canPay() const;
     [[nodiscard]] bool canCancel() const;
+    /// When the money that is in is committed unless the customer does something; 0: it is not.
+    [[nodiscard]] int secondsToCommit() const;
     /// Whether a note would be taken now.
     [[nodiscard]] bool acceptsCash() const;
 
@@ -109,7 +111,7 @@ public Q_SLOTS:
     QString stop();
     /// The cancel button of the payment screens: asks the plugin (permitCancel). Not with money in.
     QString cancel();
-    /// Commits what was paid in, in full or in part.
+    /// Commits what was paid in, in full or in part. Where nothing is due any more all of it is owed to the customer.
     QString pay();
     /// A note was put in. It is in the ledger before it counts. Refused: it was given back.
     QString takeCash(const FixNumber &note);

@@ -30,6 +30,12 @@ void Inactivity::restart()
         m_timer.start();
 }
 
+int Inactivity::secondsLeft() const
+{
+    constexpr int millisecondsOfASecond = 1000;
+    return m_timer.isActive() ? (m_timer.remainingTime() + millisecondsOfASecond - 1) / millisecondsOfASecond : 0;
+}
+
 bool Inactivity::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {

@@ -19,6 +19,8 @@ public:
     void stop();
     /// The customer is there: waits from now on, if it waits at all.
     void restart();
+    /// Until expired(), rounded up; 0: it does not wait.
+    [[nodiscard]] int secondsLeft() const;
 
 Q_SIGNALS:
     void expired();

@@ -36,6 +36,14 @@ KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
             [this] { m_screens->service().setStatus(QStringLiteral("Настройки сохранены.")); });
     showScreen();
     resize(1024, 768);
+    // Seconds are counted down on the details.
+    m_tick.start(1000, this);
+}
+
+void KioskWindow::timerEvent(QTimerEvent * /*event*/)
+{
+    if (m_terminal.screen() == Terminal::Screen::Details)
+        showPayment();
 }
 
 void KioskWindow::connectScreens()
@@ -94,6 +102,7 @@ void KioskWindow::showPayment()
     state.canPay = m_terminal.canPay();
     state.canCancel = m_terminal.canCancel();
     state.acceptsCash = m_terminal.acceptsCash();
+    state.secondsLeft = m_terminal.secondsToCommit();
     state.purchase = m_terminal.purchase();
     state.currency = m_terminal.currency();
     m_screens->payment().setForm(m_terminal.formWidget());

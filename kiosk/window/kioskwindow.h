@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QBasicTimer>
 #include <QWidget>
 
 namespace kiosk {
@@ -20,6 +21,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
 
 private:
     void connectScreens();
@@ -30,5 +32,6 @@ private:
 
     Terminal &m_terminal;
     Screens *m_screens;
+    QBasicTimer m_tick;
 };
 } // namespace kiosk

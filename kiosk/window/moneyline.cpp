@@ -12,7 +12,8 @@ namespace {
 QString captionText(const Purchase &purchase)
 {
     if (purchase.isNothingDue())
-        return QStringLiteral("Оплачивать нечего");
+        return purchase.hasCash() ? QStringLiteral("Оплачивать нечего. К возврату")
+                                  : QStringLiteral("Оплачивать нечего");
     if (purchase.change() > FixNumber())
         return QStringLiteral("Сдача");
     return purchase.toPayIn() > FixNumber() ? QStringLiteral("Осталось внести") : QStringLiteral("Внесена вся сумма");
@@ -20,7 +21,9 @@ QString captionText(const Purchase &purchase)
 
 QString hintText(const Purchase &purchase, bool acceptsCash)
 {
-    if (!purchase.isNothingDue() && purchase.toPayIn() <= FixNumber())
+    if (purchase.isNothingDue())
+        return purchase.hasCash() ? QStringLiteral("Нажмите «Завершить»") : QStringLiteral("Нажмите «Закончить»");
+    if (purchase.toPayIn() <= FixNumber())
         return QStringLiteral("Нажмите «Оплатить»");
     return acceptsCash ? QStringLiteral("Внесите купюры. Сдача не выдаётся") : QStringLiteral("Купюры не принимаются");
 }
@@ -47,7 +50,7 @@ void MoneyLine::setPurchase(const Purchase &purchase, const Currency &currency, 
     const FixNumber amount = purchase.change() > FixNumber() ? purchase.change() : purchase.toPayIn();
     m_caption->setText(captionText(purchase));
     m_amount->setText(amountText(amount, currency));
-    m_amount->setVisible(!purchase.isNothingDue() && amount > FixNumber());
+    m_amount->setVisible(amount > FixNumber());
     m_hint->setText(hintText(purchase, acceptsCash));
 }
 } // namespace kiosk

@@ -9,6 +9,13 @@ bool isAbove(const FixNumber &amount)
     return amount > FixNumber();
 }
 
+/// Whether all of the money is still the customer's.
+bool isNothingPaid(const LedgerEntry &payment)
+{
+    return payment.outcome == Outcome::Interrupted ||
+           (payment.outcome == Outcome::Confirmed && !isAbove(payment.total));
+}
+
 /// A number that breaks into two lines is easily dialled wrongly.
 QString unbroken(QString phone)
 {
@@ -27,7 +34,7 @@ QString call(const QString &phone)
 
 QString changeCaption(const LedgerEntry &payment)
 {
-    return payment.outcome == Outcome::Interrupted ? QStringLiteral("К возврату") : QStringLiteral("Сдача");
+    return isNothingPaid(payment) ? QStringLiteral("К возврату") : QStringLiteral("Сдача");
 }
 
 QString title(const LedgerEntry &payment)
@@ -72,7 +79,7 @@ QString advice(const LedgerEntry &payment, const QString &phone)
 {
     if (payment.outcome == Outcome::Unconfirmed)
         return QStringLiteral("Не платите второй раз. Запишите номер платежа и ") + call(phone);
-    if (payment.outcome == Outcome::Interrupted)
+    if (isNothingPaid(payment))
         return QStringLiteral("Внесённые деньги вернут: запишите номер платежа и ") + call(phone);
     if (isAbove(payment.remainder))
         return QStringLiteral("Доплатите остаток до выезда: начните оплату ещё раз.");

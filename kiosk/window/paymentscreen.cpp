@@ -13,15 +13,25 @@
 
 namespace kiosk {
 namespace {
+/// What happens by itself is said before it does.
+QString withSeconds(const QString &text, const PaymentScreen::State &state)
+{
+    if (state.secondsLeft <= 0)
+        return text;
+    return text + QStringLiteral(" Платёж завершится через %1 с.").arg(state.secondsLeft);
+}
+
 QString hintText(const PaymentScreen::State &state)
 {
     if (state.isCommitting)
         return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
-    if (state.hasDetails && state.purchase.change() > FixNumber())
-        return QStringLiteral("Терминал сдачу не выдаёт: её вернут по номеру платежа.");
-    if (state.hasDetails && state.purchase.hasCash())
-        return QStringLiteral("Деньги внесены: отменить платёж уже нельзя.");
-    return {};
+    if (!state.hasDetails || !state.purchase.hasCash())
+        return {};
+    if (state.purchase.isNothingDue())
+        return withSeconds(QStringLiteral("Деньги вернут по номеру платежа."), state);
+    if (state.purchase.change() > FixNumber())
+        return withSeconds(QStringLiteral("Сдачу вернут по номеру платежа."), state);
+    return withSeconds(QStringLiteral("Отменить платёж уже нельзя."), state);
 }
 
 /// Whether the view that is up has buttons of its own that end it: a second one below would be one too many.
@@ -37,6 +47,8 @@ bool hasWayOut(const QWidget *form)
 
 QString payText(const PaymentScreen::State &state)
 {
+    if (state.purchase.isNothingDue())
+        return QStringLiteral("Завершить");
     // What the button does with part of the sum must be plain before it is touched.
     if (state.purchase.hasCash() && state.purchase.toPayIn() > FixNumber())
         return QStringLiteral("Оплатить ") + amountText(state.purchase.cash(), state.currency);
@@ -46,8 +58,7 @@ QString payText(const PaymentScreen::State &state)
 
 PaymentScreen::PaymentScreen(QWidget *parent)
     : QWidget(parent), m_formPlace(new QVBoxLayout), m_money(new MoneyLine), m_bar(new QFrame),
-      m_hint(Parts::label({}, "hint")),
-      m_cancel(Parts::button(QStringLiteral("Отменить платёж"), "cancelButton", "secondary")),
+      m_hint(Parts::label({}, "hint")), m_cancel(Parts::button({}, "cancelButton", "secondary")),
       m_pay(Parts::button({}, "payButton", "primary"))
 {
     connect(m_cancel, &QPushButton::clicked, this, &PaymentScreen::cancelWanted);
@@ -102,6 +113,8 @@ void PaymentScreen::setState(const State &state)
     m_hint->setAlignment(state.isCommitting ? Qt::AlignCenter : Qt::AlignLeft | Qt::AlignVCenter);
     m_pay->setEnabled(state.canPay);
     m_pay->setText(payText(state));
+    m_cancel->setText(state.hasDetails && state.purchase.isNothingDue() ? QStringLiteral("Закончить")
+                                                                        : QStringLiteral("Отменить платёж"));
     showBar();
 }
 
@@ -110,7 +123,8 @@ void PaymentScreen::showBar()
     const bool isAsked = hasWayOut(m_form);
     const bool hasMoney = m_state.hasDetails && !m_state.isCommitting && !isAsked;
     m_money->setVisible(hasMoney);
-    m_pay->setVisible(hasMoney);
+    // Where there is nothing to pay and nothing was paid in, it would never do anything.
+    m_pay->setVisible(hasMoney && (!m_state.purchase.isNothingDue() || m_state.purchase.hasCash()));
     m_cancel->setVisible(m_state.canCancel && !m_state.isCommitting && !isAsked);
     m_bar->setVisible(m_state.isCommitting || hasMoney || !m_cancel->isHidden());
 }

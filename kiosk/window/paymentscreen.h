@@ -31,6 +31,8 @@ public:
         bool canPay = false;
         bool canCancel = false;
         bool acceptsCash = false;
+        /// Until the money that is in is committed by itself; 0: it is not.
+        int secondsLeft = 0;
         Purchase purchase;
         Currency currency;
     };

@@ -86,7 +86,7 @@ void ReceiptScreen::setReceipt(const Receipt &receipt, const Currency &currency)
     m_icon->setKind(iconKind(payment));
     m_title->setText(OutcomeText::title(payment));
     m_amount->setText(amountText(payment.total, currency));
-    m_amount->setVisible(payment.outcome == Outcome::Confirmed);
+    m_amount->setVisible(payment.outcome == Outcome::Confirmed && payment.total > FixNumber());
     m_text->setText(OutcomeText::explanation(payment));
     m_text->setVisible(!m_text->text().isEmpty());
     m_advice->setText(OutcomeText::advice(payment, receipt.phone));

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
+#include "kiosk/fulldisk.h"
 #include "kiosk/terminalbench.h"
 #include "ledger/ledger.h"
 #include "purchase.h"
@@ -11,10 +12,7 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
-#include <csignal>
-
 #include <sys/fsuid.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -27,25 +25,6 @@ using kiosk::Purchase;
 using Screen = kiosk::Terminal::Screen;
 
 namespace {
-/// No file takes a byte more while it lives, as on a full disk.
-class FullDisk
-{
-public:
-    FullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit = {0, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before = {};
-};
-
 /// Another program is in the middle of writing to the ledger while it lives.
 class SecondWriter
 {

@@ -74,13 +74,15 @@ private Q_SLOTS:
             Samples::payment(Outcome::Confirmed, QStringLiteral("0.00"), QStringLiteral("100.00"));
         QCOMPARE(OutcomeText::title(payment), QStringLiteral("Оплачивать нечего"));
         QCOMPARE(OutcomeText::advice(payment, QStringLiteral("112")),
-                 QStringLiteral("Терминал сдачу не выдаёт. Её вернут: запишите номер платежа и позвоните: 112"));
+                 QStringLiteral("Внесённые деньги вернут: запишите номер платежа и позвоните: 112"));
+        QCOMPARE(OutcomeText::changeCaption(payment), QStringLiteral("К возврату"));
     }
 
     void changeCaption_ofMoneyThatWasNeverSent_isToBeGivenBack()
     {
         kiosk::LedgerEntry payment;
         payment.outcome = Outcome::Confirmed;
+        payment.total = FixNumber(100, 15000);
         QCOMPARE(OutcomeText::changeCaption(payment), QStringLiteral("Сдача"));
         payment.outcome = Outcome::Interrupted;
         QCOMPARE(OutcomeText::changeCaption(payment), QStringLiteral("К возврату"));

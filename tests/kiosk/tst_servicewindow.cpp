@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#include "kiosk/fulldisk.h"
+#include "kiosk/shownwindow.h"
+#include "support/testcase.h"
+#include "window/idlescreen.h"
+#include "window/servicescreen.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+
+using kiosk::Terminal;
+using Screen = Terminal::Screen;
+
+/// What a service engineer sees and touches.
+class ServiceWindowTest : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void service_menu_showsSavesAndCloses()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        QVERIFY(bench->settingsPage()->isVisible());
+        QVERIFY(shown.window().isAncestorOf(bench->settingsPage()));
+        QCOMPARE(shown.text("serviceStatus"), QString());
+        Q_UNUSED(bench.takeCalls());
+        shown.touch("saveButton");
+        QCOMPARE(bench.takeCalls(), QStringList{QStringLiteral("saveSettings")});
+        QCOMPARE(shown.text("serviceStatus"), QStringLiteral("Настройки сохранены."));
+        shown.touch("pluginTab");
+        QVERIFY(shown.allText().contains(QStringLiteral("Плагин для испытаний")));
+        shown.touch("closeButton");
+        WAIT_FOR(bench->screen(), Screen::Idle);
+        QVERIFY(shown.isUp<kiosk::IdleScreen>());
+    }
+
+    void service_payments_areListedWithTheirOutcome()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench.plan("confirmation", QStringLiteral("left up"));
+        bench.showDetails();
+        bench.takeCash("150");
+        shown.touch("payButton");
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        shown.touch("receiptButton");
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        shown.touch("paymentsTab");
+        const QString text = shown.allText();
+        QVERIFY2(text.contains(QStringLiteral("Подтверждение не получено:")), qPrintable(text));
+        QVERIFY2(text.contains(QStringLiteral("карта 000123456")), qPrintable(text));
+        QVERIFY(!shown.isUp("ledgerFault"));
+    }
+
+    void service_whileTheLedgerIsNotWritten_saysSo()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench.showDetails();
+        bench.takeCash("150");
+        shown.touch("payButton");
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        {
+            const FullDisk disk;
+            shown.touch("receiptButton");
+            bench->openService();
+            WAIT_FOR(bench->screen(), Screen::Service);
+            QVERIFY(shown.isUp("ledgerFault"));
+            QVERIFY(shown.text("ledgerFault").contains(bench->ledgerFault()));
+        }
+        shown.touch("closeButton");
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        QVERIFY(!shown.isUp("ledgerFault"));
+        MessageLog::drop();
+    }
+};
+
+WIDGET_TEST_MAIN(ServiceWindowTest)
+
+#include "tst_servicewindow.moc"

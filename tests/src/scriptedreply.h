@@ -21,6 +21,10 @@ class Trace
 {
 public:
     Trace() { FreshJournal::make(); }
+    // A test that has failed leaves replies behind, which still write here when they go.
+    ~Trace() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+    Trace(const Trace &) = delete;
+    Trace &operator=(const Trace &) = delete;
 
     void add(const QString &what)
     {
@@ -88,6 +92,9 @@ public:
         m_trace.add(QStringLiteral("closed"));
         QNetworkReply::close();
     }
+
+    /// As from a server, without making an error of it.
+    void setStatus(int status) { setAttribute(QNetworkRequest::HttpStatusCodeAttribute, status); }
 
     [[nodiscard]] qint64 bytesAvailable() const override { return m_body.size() + QNetworkReply::bytesAvailable(); }
     [[nodiscard]] const QList<QSslError> &ignored() const { return m_ignored; }

@@ -4,6 +4,7 @@
 #include "support/testcase.h"
 
 #include <QPointer>
+#include <QTextCodec>
 #include <QTranslator>
 
 #include <malloc.h>
@@ -11,6 +12,17 @@
 namespace {
 const QByteArray ONE_LINE_CHECK = Answers::CHECK.mid(Answers::CHECK.indexOf("<Response"));
 const QByteArray OTHER_OPERATION = QByteArrayLiteral("<Response Operation=\"CloseShift\" ResultCode=\"1\"/>");
+
+/// A registration's answer that declares its encoding and is in it.
+QByteArray inEncoding(const char *codec, int resultCode)
+{
+    const QString xml =
+        QStringLiteral("<?xml version=\"1.0\" encoding=\"%1\"?><Response Operation=\"ParkInfoPayResponse\" "
+                       "ResultCode=\"%2\"><SessionId>счёт</SessionId><ErrorInfo>карта</ErrorInfo></Response>")
+            .arg(QLatin1String(codec))
+            .arg(resultCode);
+    return QTextCodec::codecForName(codec)->fromUnicode(xml);
+}
 
 /// Prefixes every text of the client's own context.
 class MarkingTranslator : public QTranslator
@@ -36,17 +48,20 @@ private:
     {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<int>("transportError");
+        QTest::addColumn<QString>("transportText");
         QTest::addColumn<QStringList>("reported");
         const auto unknown = [](const QByteArray &body) {
             return bodyLines(body) + QStringList{QStringLiteral("error -1 Unknown response"),
                                                  QStringLiteral("warning: ") + QString::fromUtf8(body)};
         };
-        QTest::newRow("transport error") << QByteArray() << static_cast<int>(QNetworkReply::TimeoutError)
-                                         << QStringList{QStringLiteral("error 4 it broke"),
-                                                        QStringLiteral("warning: error: 4\nerrorMessage: it broke")};
-        QTest::newRow("check") << ONE_LINE_CHECK << 0
+        // One of each group that Qt has: connections, time-outs, proxies, contents, protocols, servers.
+        for (const int code : {1, 2, 4, 99, 105, 201, 204, 299, 399, 401})
+            addTransportError(code, QStringLiteral("it broke"), QStringLiteral("it broke"));
+        // What Qt says of a failure that has no text.
+        addTransportError(2, QString(), QStringLiteral("Unknown error"));
+        QTest::newRow("check") << ONE_LINE_CHECK << 0 << QString()
                                << bodyLines(ONE_LINE_CHECK) + QStringList{QStringLiteral("check s1")};
-        QTest::newRow("pay") << Answers::PAY << 0
+        QTest::newRow("pay") << Answers::PAY << 0 << QString()
                              << bodyLines(Answers::PAY) +
                                     QStringList{QStringLiteral("pay s2"), QStringLiteral("journal")};
         for (const int code : {0, 2, 5, -1, 2147483647}) {
@@ -54,23 +69,34 @@ private:
                 const QByteArray body = "<Response Operation=\"" + QByteArray(operation) + "\" ResultCode=\"" +
                                         QByteArray::number(code) + "\"><ErrorInfo>why</ErrorInfo></Response>";
                 QTest::addRow("%s with code %d", operation, code)
-                    << body << 0 << bodyLines(body) + QStringList{QStringLiteral("error %1 why").arg(code)};
+                    << body << 0 << QString()
+                    << bodyLines(body) + QStringList{QStringLiteral("error %1 why").arg(code)};
             }
         }
         const QByteArray noCode = QByteArrayLiteral("<Response Operation=\"ParkInfoPayResponse\"/>");
-        QTest::newRow("no result code") << noCode << 0 << bodyLines(noCode) + QStringList{QStringLiteral("error 0 ")};
+        QTest::newRow("no result code") << noCode << 0 << QString()
+                                        << bodyLines(noCode) + QStringList{QStringLiteral("error 0 ")};
         for (const QByteArray &body : {QByteArray(), QByteArrayLiteral("Service Unavailable"),
                                        QByteArrayLiteral("<html><body>ok</body></html>"), OTHER_OPERATION})
-            QTest::addRow("unknown: %s", body.constData()) << body << 0 << unknown(body);
+            QTest::addRow("unknown: %s", body.constData()) << body << 0 << QString() << unknown(body);
+    }
+
+    static void addTransportError(int code, const QString &text, const QString &reported)
+    {
+        QTest::addRow("transport error %d, %s", code, qPrintable(reported))
+            << QByteArray() << code << text
+            << QStringList{QStringLiteral("error %1 %2").arg(code).arg(reported),
+                           QStringLiteral("warning: error: %1\nerrorMessage: %2").arg(code).arg(reported)};
     }
 
     static ScriptedReply *fetchReply(Trace &trace, bool isComplete = true)
     {
         QFETCH(QByteArray, body);
         QFETCH(int, transportError);
+        QFETCH(QString, transportText);
         if (transportError != 0)
-            return new ScriptedReply(trace, static_cast<QNetworkReply::NetworkError>(transportError),
-                                     QStringLiteral("it broke"), isComplete);
+            return new ScriptedReply(trace, static_cast<QNetworkReply::NetworkError>(transportError), transportText,
+                                     isComplete);
         return new ScriptedReply(trace, body, isComplete);
     }
 
@@ -185,6 +211,58 @@ private Q_SLOTS:
         runDeferredDeletes();
         QCOMPARE(trace.take(), QStringList({QStringLiteral("deleted"), QStringLiteral("deleted")}));
         QVERIFY(!manager);
+    }
+
+    void finished_statusWithoutAnError_isRead_data()
+    {
+        QTest::addColumn<int>("status");
+        for (const int status : {0, 100, 204, 302, 401, 404, 500, 503})
+            QTest::addRow("%d", status) << status;
+    }
+
+    void finished_statusWithoutAnError_isRead()
+    {
+        QFETCH(int, status);
+        Trace trace;
+        ParkomatAccessManager client;
+        traceSignals(client, trace);
+        auto *const reply = new ScriptedReply(trace, Answers::PAY);
+        reply->setStatus(status);
+        client.finished(reply);
+        QCOMPARE(trace.take(),
+                 bodyLines(Answers::PAY) +
+                     QStringList({QStringLiteral("pay s2"), QStringLiteral("journal"), QStringLiteral("closed")}));
+        runDeferredDeletes();
+    }
+
+    void finished_encoding_isTheDeclaredOne_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("seen");
+        for (const char *codec : {"UTF-8", "windows-1251", "KOI8-R", "UTF-16"}) {
+            const auto row = [codec](int code, const QString &seen) {
+                QTest::addRow("%s, code %d", codec, code) << inEncoding(codec, code) << seen;
+            };
+            row(7, QStringLiteral("error 7 карта"));
+            row(1, QStringLiteral("pay счёт"));
+        }
+        QByteArray otherwise = inEncoding("windows-1251", 7);
+        QTest::newRow("declared as another")
+            << otherwise.replace("windows-1251", "KOI8-R") << QStringLiteral("error 7 ЙЮПРЮ");
+    }
+
+    void finished_encoding_isTheDeclaredOne()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, seen);
+        Trace trace;
+        ParkomatAccessManager client;
+        const ClientProbe probe(client);
+        client.finished(new ScriptedReply(trace, body));
+        QCOMPARE(probe.seen(), QStringList(seen));
+        QCOMPARE(FreshJournal::isThere(), !seen.startsWith(QLatin1String("pay")));
+        runDeferredDeletes();
+        (void)trace.take();
     }
 
     void finished_body_isLoggedAsBytesAndAsLines_data()

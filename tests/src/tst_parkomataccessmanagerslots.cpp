@@ -155,6 +155,13 @@ private Q_SLOTS:
         QVERIFY(QMetaObject::invokeMethod(managerOf(client), "proxyAuthenticationRequired", Q_ARG(QNetworkProxy, proxy),
                                           Q_ARG(QAuthenticator *, &authenticator)));
         QCOMPARE(authenticator.user(), QStringLiteral("name"));
+        // It has to be ignored before Qt goes on, so at once.
+        ScriptedReply reply(trace, QByteArray());
+        const QList<QSslError> errors = {QSslError(QSslError::SelfSignedCertificate)};
+        QVERIFY(QMetaObject::invokeMethod(managerOf(client), "sslErrors", Q_ARG(QNetworkReply *, &reply),
+                                          Q_ARG(QList<QSslError>, errors)));
+        QCOMPARE(reply.ignored(), errors);
+        (void)trace.take();
     }
 
     void metaObject_methods_areInTheContractsOrder()

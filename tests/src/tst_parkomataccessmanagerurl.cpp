@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "clientprobe.h"
 #include "support/testcase.h"
+#include "wireexchange.h"
 
 Q_DECLARE_METATYPE(QUrlQuery)
 
@@ -48,6 +48,7 @@ private Q_SLOTS:
         row("port beyond 16 bits", "h", 70000, "/a", "X", "http://h:4464/a/X");
         row("empty host", "", 1, "/a", "X", "http://:1/a/X");
         row("no host's characters", "a b", 1, "/a", "X", "http://:1/a/X");
+        row("per cent in the host is itself", "h%41", 1, "/a", "X", "http://:1/a/X");
     }
 
     void prepareRequest_settings_makeTheUrl()
@@ -82,6 +83,20 @@ private Q_SLOTS:
         QCOMPARE(client.prepareRequest(QStringLiteral("X"), QUrlQuery()).url().port(), 1);
         useService(2);
         QCOMPARE(client.prepareRequest(QStringLiteral("X"), QUrlQuery()).url().port(), 2);
+    }
+
+    void timeOut_client_setsNone()
+    {
+        const RefusingPort port;
+        useService(port.number());
+        ParkomatAccessManager client;
+        QCOMPARE(client.prepareRequest(QStringLiteral("X"), QUrlQuery()).transferTimeout(), 0);
+        QCOMPARE(managerOf(client)->transferTimeout(), 0);
+        client.postData(QStringLiteral("X"), DOCUMENT);
+        const auto *const reply = client.findChild<QNetworkReply *>();
+        QVERIFY(reply);
+        QCOMPARE(reply->request().transferTimeout(), 0);
+        MessageLog::drop();
     }
 
     void prepareRequest_query_isAppendedUnlessEmpty_data()

@@ -166,6 +166,16 @@ private Q_SLOTS:
         }
     }
 
+    void file_written_hasAWriteAheadLog()
+    {
+        const std::string file = path("mode.db");
+        const cash::Ledger ledger(file);
+        cash::Database other(file);
+        cash::Statement mode(other, "PRAGMA journal_mode");
+        QVERIFY(mode.step());
+        QCOMPARE(mode.text(0), std::string("wal"));
+    }
+
     void file_thatCannotBeUsed_isRefusedAtOnce()
     {
         QVERIFY(!openingError(path("nowhere/ledger.db")).isEmpty());

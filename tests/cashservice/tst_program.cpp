@@ -275,6 +275,26 @@ private Q_SLOTS:
             QStringLiteral("cash-service: --db \"%1\" cannot be used: file is not a database\n").arg(file.fileName()));
     }
 
+    /// SQLite opens such a file for reading alone, whoever runs the service.
+    void start_withADatabaseThatCannotBeWritten_saysSo()
+    {
+        const QString path = inWorkDirectory("foreign.db");
+        {
+            const cash::Ledger ledger(path.toStdString());
+        }
+        QFile file(path);
+        constexpr int versionOfWriting = 18;
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(versionOfWriting) && file.putChar(3));
+        file.close();
+        const Ended ended =
+            run({QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0"), QStringLiteral("--db"), path});
+        QCOMPARE(ended.status, 2);
+        QCOMPARE(ended.output, QByteArray());
+        QCOMPARE(QString::fromUtf8(ended.errors),
+                 QStringLiteral("cash-service: --db \"%1\" cannot be used: attempt to write a readonly database\n")
+                     .arg(path));
+    }
+
     void start_withABrokenParkingFile_saysAllMistakesAtOnce()
     {
         QFile file(inWorkDirectory("park.yaml"));

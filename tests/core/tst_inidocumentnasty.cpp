@@ -3,9 +3,8 @@
 #include "core/inidocument.h"
 
 #include "support/testcase.h"
-#include "support/workdirectory.h"
+#include "support/testfiles.h"
 
-#include <QFile>
 #include <QMap>
 #include <QRandomGenerator>
 #include <QSettings>
@@ -41,19 +40,15 @@ QByteArray writtenByQSettings(const QList<Setting> &settings, const char *codec 
         for (const Setting &setting : settings)
             file.setValue(fullName(setting), setting.value);
     }
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return TestFiles::contents(path);
 }
 
 /// The values that QSettings finds; "(none)" where there is none.
 QStringList readByQSettings(const QByteArray &bytes, const QList<Setting> &settings, const char *codec = nullptr)
 {
     const QString path = freshPath();
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            return {};
-    }
+    if (!TestFiles::write(path, bytes))
+        return {};
     QSettings file(path, QSettings::IniFormat);
     if (codec != nullptr)
         file.setIniCodec(codec);

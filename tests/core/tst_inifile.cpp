@@ -3,10 +3,8 @@
 #include "core/inifile.h"
 
 #include "support/testcase.h"
-#include "support/workdirectory.h"
+#include "support/testfiles.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
 
@@ -14,43 +12,21 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/stat.h>
+
+using namespace TestFiles;
 
 namespace {
 const QString G = QStringLiteral("G");
 const QString K = QStringLiteral("k");
-
-QString at(const char *name)
-{
-    return WorkDirectory::path() + QLatin1Char('/') + QLatin1String(name);
-}
 
 QString ini()
 {
     return at("t.ini");
 }
 
-bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
-}
-
 QString read(const QString &path)
 {
     return IniFile(path).value(G, K).value_or(QStringLiteral("(none)"));
-}
-
-int rights(const QString &path)
-{
-    struct stat info = {};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? static_cast<int>(info.st_mode & 07777) : -1;
 }
 
 /// What is wrong about a log that should have one critical line naming @a path; nothing when all is well.
@@ -261,14 +237,8 @@ private Q_SLOTS:
         QVERIFY(write(ini(), "; kept\n"));
         for (int round = 0; round < 10; ++round) {
             const auto child = ChildProcess::start("setsWithoutEnd", {ini()});
-            QByteArray said;
-            while (said.count('\n') < 1 + round) {
-                QVERIFY2(child->waitForReadyRead(), said);
-                said += child->readAll();
-            }
-            child->kill();
-            QVERIFY(child->waitForFinished());
-            said += child->readAll();
+            const QByteArray said = ChildProcess::killAfterLines(*child, 1 + round);
+            QVERIFY2(said.count('\n') > round, said);
             const int last = said.left(said.lastIndexOf('\n')).split('\n').last().toInt();
             QVERIFY(read(ini()).toInt() >= last);
             QVERIFY(contents(ini()).startsWith("; kept\n"));

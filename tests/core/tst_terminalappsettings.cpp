@@ -3,9 +3,8 @@
 #include "core/terminalappsettings.h"
 
 #include "support/testcase.h"
-#include "support/workdirectory.h"
+#include "support/testfiles.h"
 
-#include <QFile>
 #include <QSettings>
 
 #include <cstdio>
@@ -19,8 +18,7 @@ const QString DEFAULT = QStringLiteral("default");
 
 bool writeIni(const QByteArray &bytes)
 {
-    QFile file(TerminalAppSettings::fileName());
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    return TestFiles::write(TerminalAppSettings::fileName(), bytes);
 }
 
 QString plugins(const QString &key)

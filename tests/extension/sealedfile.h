@@ -4,22 +4,19 @@
 
 #include "extension/cryptedsettingsstorage.h"
 #include "support/messagelog.h"
-#include "support/workdirectory.h"
-
-#include <QFile>
+#include "support/testfiles.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
+
+using TestFiles::at;
+using TestFiles::contents;
+using TestFiles::write;
 
 // What the tests of sealed settings files have in common: one file in the work directory, and what may be wrong with
 // it.
 
 inline const QString KEY = QStringLiteral("GROUP/key");
-
-inline QString at(const char *name)
-{
-    return WorkDirectory::path() + QLatin1Char('/') + QLatin1String(name);
-}
 
 inline QString sealedFile()
 {
@@ -29,18 +26,6 @@ inline QString sealedFile()
 inline QString aside(const char *number = "")
 {
     return sealedFile() + QStringLiteral(".damaged") + QLatin1String(number);
-}
-
-inline QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
-}
-
-inline bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 inline QSettings::Status store(const QString &path, const QString &key, const QVariant &value)

@@ -103,14 +103,8 @@ private Q_SLOTS:
     {
         for (int round = 0; round < 15; ++round) {
             const auto child = ChildProcess::start("storesWithoutEnd", {sealedFile()});
-            QByteArray said;
-            while (said.count('\n') < 1 + round) {
-                QVERIFY2(child->waitForReadyRead(), said);
-                said += child->readAll();
-            }
-            child->kill();
-            QVERIFY(child->waitForFinished());
-            said += child->readAll();
+            const QByteArray said = ChildProcess::killAfterLines(*child, 1 + round);
+            QVERIFY2(said.count('\n') > round, said);
             const int last = said.left(said.lastIndexOf('\n')).split('\n').last().toInt();
             const CryptedSettingsStorage storage(sealedFile());
             QCOMPARE(storage.status(), QSettings::NoError);

@@ -2,24 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "extension/dircreator.h"
 
+#include "race.h"
 #include "support/testcase.h"
-#include "support/workdirectory.h"
+#include "support/testfiles.h"
 
-#include <QDir>
-#include <QFile>
-
-#include <cstdio>
-#include <vector>
-
-#include <sys/file.h>
-#include <sys/stat.h>
+using TestFiles::at;
 
 namespace {
-QString at(const char *name)
-{
-    return WorkDirectory::path() + QLatin1Char('/') + QString::fromUtf8(name);
-}
-
 /// Access rights, or -1 when @a path is no directory.
 int rights(const QString &path)
 {
@@ -45,30 +34,6 @@ public:
 
 private:
     mode_t m_before;
-};
-
-/// Holds children back until it dies, so that they all go at once and run into each other.
-class Gate
-{
-public:
-    explicit Gate(const QString &path) : m_file(path)
-    {
-        QVERIFY(m_file.open(QIODevice::ReadWrite) && ::flock(m_file.handle(), LOCK_EX) == 0);
-    }
-
-    /// Called in the child; it says first that it has come.
-    static void pass(const QString &path)
-    {
-        QFile file(path);
-        const bool isOpen = file.open(QIODevice::ReadWrite);
-        std::puts("ready");
-        std::fflush(stdout);
-        if (!isOpen || ::flock(file.handle(), LOCK_SH) != 0)
-            qFatal("the gate %s cannot be passed", qPrintable(path));
-    }
-
-private:
-    QFile m_file;
 };
 } // namespace
 
@@ -178,15 +143,7 @@ private Q_SLOTS:
     {
         for (int round = 0; round < 40; ++round) {
             const QString path = at("shared") + QString::number(round) + QStringLiteral("/a/b/c/d/e/f/g/h/i/j/k/l");
-            std::vector<std::unique_ptr<QProcess>> children;
-            {
-                const Gate gate(at("gate"));
-                for (int i = 0; i < 6; ++i)
-                    children.push_back(ChildProcess::start("makesTheDirectory", {at("gate"), path}));
-                for (const auto &child : children)
-                    QVERIFY(child->waitForReadyRead());
-            }
-            for (const auto &child : children)
+            for (const auto &child : Race::start(6, "makesTheDirectory", at("gate"), {path}))
                 QCOMPARE(ChildProcess::finish(*child), 0);
             QCOMPARE(rights(path), 0777);
         }
@@ -195,7 +152,7 @@ private Q_SLOTS:
 
 TEST_CHILD(makesTheDirectory)
 {
-    Gate::pass(arguments.at(0));
+    Race::passGate(arguments.at(0));
     return DirCreator::checkAndCreate(arguments.at(1), DirCreator::DEFAULT_ALL) ? 0 : 1;
 }
 

@@ -3,17 +3,13 @@
 #include "extension/storagekey.h"
 
 #include "extension/sealedbox.h"
+#include "race.h"
 #include "support/testcase.h"
-#include "support/workdirectory.h"
-
-#include <QDir>
-#include <QFile>
+#include "support/testfiles.h"
 
 #include <cstdio>
-#include <vector>
 
-#include <sys/file.h>
-#include <sys/stat.h>
+using namespace TestFiles;
 
 namespace {
 const QString ROOT = WorkDirectory::path();
@@ -40,57 +36,10 @@ QString below(const char *name)
     return ROOT + QLatin1Char('/') + QLatin1String(name);
 }
 
-int rights(const QString &path)
-{
-    struct stat info = {};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? static_cast<int>(info.st_mode & 07777) : -1;
-}
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
-}
-
-bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-QStringList entries(const QString &directory)
-{
-    return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
-
 QByteArray bytesOf(const StorageKey &key)
 {
     return QByteArray(reinterpret_cast<const char *>(key.data()), int(StorageKey::SIZE));
 }
-
-/// Holds children back until it dies, so that they all go at once and run into each other.
-class Gate
-{
-public:
-    explicit Gate(const QString &path) : m_file(path)
-    {
-        QVERIFY(m_file.open(QIODevice::ReadWrite) && ::flock(m_file.handle(), LOCK_EX) == 0);
-    }
-
-    /// Called in the child; it says first that it has come.
-    static void pass(const QString &path)
-    {
-        QFile file(path);
-        const bool isOpen = file.open(QIODevice::ReadWrite);
-        std::puts("ready");
-        std::fflush(stdout);
-        if (!isOpen || ::flock(file.handle(), LOCK_SH) != 0)
-            qFatal("the gate %s cannot be passed", qPrintable(path));
-    }
-
-private:
-    QFile m_file;
-};
 } // namespace
 
 class StorageKeyTest : public TestCase
@@ -263,16 +212,8 @@ private Q_SLOTS:
     {
         for (int round = 0; round < 10; ++round) {
             const OtherWorkDirectory other(below("work") + QString::number(round));
-            std::vector<std::unique_ptr<QProcess>> children;
-            {
-                const Gate gate(below("gate"));
-                for (int i = 0; i < 8; ++i)
-                    children.push_back(ChildProcess::start("seals", {below("gate")}));
-                for (const auto &child : children)
-                    QVERIFY(child->waitForReadyRead() && child->readAll() == "ready\n");
-            }
             QList<QByteArray> boxes;
-            for (const auto &child : children) {
+            for (const auto &child : Race::start(8, "seals", below("gate"))) {
                 QCOMPARE(ChildProcess::finish(*child), 0);
                 boxes.append(QByteArray::fromBase64(child->readAll()));
             }
@@ -287,7 +228,7 @@ private Q_SLOTS:
 
 TEST_CHILD(seals)
 {
-    Gate::pass(arguments.at(0));
+    Race::passGate(arguments.at(0));
     const auto key = StorageKey::obtain();
     if (!key)
         return 1;

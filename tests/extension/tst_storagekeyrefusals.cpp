@@ -2,10 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "extension/storagekey.h"
 #include "support/testcase.h"
-#include "support/workdirectory.h"
-
-#include <QDir>
-#include <QFile>
+#include "support/testfiles.h"
 
 #include <cerrno>
 #include <csignal>
@@ -37,11 +34,6 @@ QString onlyCritical()
         return QStringLiteral("there are %1 lines, or one that is not critical").arg(lines.size());
     return lines.at(0).text;
 }
-
-QStringList entries()
-{
-    return QDir(WorkDirectory::path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
 } // namespace
 
 // Stands in for the C library's: a file system without hard links cannot be had everywhere.
@@ -68,7 +60,7 @@ private Q_SLOTS:
                                QStringLiteral("\" is a symbolic link to a file that does not exist. ")),
                  qPrintable(line));
         QVERIFY2(line.contains(QStringLiteral("remove the link")), qPrintable(line));
-        QCOMPARE(entries(), QStringList{QStringLiteral("storage.key")});
+        QCOMPARE(TestFiles::entries(WorkDirectory::path()), QStringList{QStringLiteral("storage.key")});
     }
 
     void linkToAKey_isFollowed()
@@ -99,7 +91,7 @@ private Q_SLOTS:
         QVERIFY2(line.contains(QString::fromLocal8Bit(std::strerror(error))), qPrintable(line));
         QVERIFY2(line.contains(QStringLiteral("Move the work directory to a file system that has them")),
                  qPrintable(line));
-        QCOMPARE(entries(), QStringList());
+        QCOMPARE(TestFiles::entries(WorkDirectory::path()), QStringList());
     }
 
     void linkThatFailsOtherwise_isReportedWithItsReason()
@@ -110,7 +102,7 @@ private Q_SLOTS:
         }
         const QString line = onlyCritical();
         QVERIFY2(line.contains(QStringLiteral("cannot be made: No space left on device. ")), qPrintable(line));
-        QCOMPARE(entries(), QStringList());
+        QCOMPARE(TestFiles::entries(WorkDirectory::path()), QStringList());
     }
 
     void diskThatTakesAPartOfTheKey_isReportedAsAnInputOutputError()
@@ -119,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(ChildProcess::finish(*child), 1);
         const QByteArray said = child->readAll();
         QVERIFY2(said.contains("cannot be made: Input/output error. "), said);
-        QCOMPARE(entries(), QStringList());
+        QCOMPARE(TestFiles::entries(WorkDirectory::path()), QStringList());
     }
 };
 

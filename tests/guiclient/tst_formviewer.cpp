@@ -7,6 +7,7 @@
 #include "guiclient/waitindicator.h"
 #include "page.h"
 #include "support/testcase.h"
+#include "support/waiting.h"
 
 #include <QApplication>
 
@@ -117,7 +118,7 @@ private Q_SLOTS:
         viewer.addView(later, ONE);
         QCOMPARE(viewer.getUi(ONE), later);
         QVERIFY(earlier->isHidden());
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
         QVERIFY(earlier.isNull());
         QCOMPARE(viewer.currentView(), ONE);
         viewer.addView(later, ONE);

@@ -7,17 +7,16 @@
 #include "guiclient/waitindicator.h"
 #include "page.h"
 #include "support/testcase.h"
-#include "support/workdirectory.h"
+#include "support/testfiles.h"
 #include "views.h"
 
 #include <QApplication>
 
 namespace {
-QString written(const QByteArray &bytes, const QString &name = QStringLiteral("view.ui"))
+QString written(const QByteArray &bytes)
 {
-    const QString path = WorkDirectory::path() + QLatin1Char('/') + name;
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+    const QString path = TestFiles::at("view.ui");
+    if (!TestFiles::write(path, bytes))
         qFatal("%s was not written", qPrintable(path));
     return path;
 }

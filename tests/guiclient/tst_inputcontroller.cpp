@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "guiclient/onscreenkeyboard.h"
 #include "support/testcase.h"
+#include "support/waiting.h"
 #include "views.h"
 
 #include <QAbstractButton>
@@ -263,7 +264,7 @@ private Q_SLOTS:
         else
             connect(terminal.controller, &Controller::needBack, this, [&] { onSignal(); });
         terminal.leave(way);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
         QCOMPARE(seen, 1);
         if (!terminal.viewer)
             return;

@@ -62,7 +62,7 @@ private Q_SLOTS:
         row("deleted", [](Controller *earlier, auto &) { delete earlier; });
         row("deleted later", [](Controller *earlier, auto &) {
             earlier->deleteLater();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            deleteReleased();
         });
     }
 
@@ -125,7 +125,7 @@ private Q_SLOTS:
         QTest::newRow("delete") << Act([](Controller *owner, auto &) { delete owner; });
         QTest::newRow("deleteLater") << Act([](Controller *owner, auto &) {
             owner->deleteLater();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            deleteReleased();
         });
         QTest::newRow("another view") << Act([](Controller *owner, auto &) { owner->setUi(nullptr); });
     }
@@ -251,7 +251,7 @@ private Q_SLOTS:
             if (isByTouch)
                 form.press("okButton");
             WAIT_FOR(signalsSeen >= 1, true);
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            deleteReleased();
             QCOMPARE(signalsSeen, 1);
             delete controller;
         }

@@ -7,6 +7,8 @@
 
 namespace {
 const char CHILD[] = "--child";
+// What some do takes a second on a machine of one's own, and minutes on a busy one.
+constexpr int LIMIT_MS = 240'000;
 
 QHash<QString, ChildProcess::Function> &functions()
 {
@@ -33,9 +35,17 @@ std::unique_ptr<QProcess> ChildProcess::start(const char *name, const QStringLis
 
 int ChildProcess::finish(QProcess &process)
 {
-    // What some do takes a second on a machine of one's own, and minutes on a busy one.
-    constexpr int limit = 240'000;
-    return process.waitForFinished(limit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return process.waitForFinished(LIMIT_MS) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+QByteArray ChildProcess::killAfterLines(QProcess &process, int lines)
+{
+    QByteArray said;
+    while (said.count('\n') < lines && process.waitForReadyRead(LIMIT_MS))
+        said += process.readAll();
+    process.kill();
+    process.waitForFinished(LIMIT_MS);
+    return said + process.readAll();
 }
 
 bool ChildProcess::isChild()

@@ -17,8 +17,12 @@ using Function = int (*)(const QStringList &arguments);
 start(const char *name, const QStringList &arguments = {},
       const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
 
-/// Waits for the end and returns the exit status, or -1 when it crashed or took longer than 30 s.
+/// Waits for the end and returns the exit status, or -1 when it crashed or took longer than four minutes.
 [[nodiscard]] int finish(QProcess &process);
+
+/// Kills the process once it has said so many lines. @return all that it said: fewer lines when it ended before, or was
+/// silent for four minutes.
+[[nodiscard]] QByteArray killAfterLines(QProcess &process, int lines);
 
 // By the application's arguments.
 [[nodiscard]] bool isChild();

@@ -4,10 +4,12 @@
 #include "control/controlserver.h"
 #include "control/socketname.h"
 #include "core/terminalappsettings.h"
+#include "endlimit.h"
 #include "extension/dircreator.h"
 #include "guiclient/formproject.h"
 #include "kiosklog.h"
 #include "ledger/ledger.h"
+#include "payment/commit.h"
 #include "plugin/pluginfile.h"
 #include "plugin/pluginhost.h"
 #include "plugin/pluginprobe.h"
@@ -89,6 +91,17 @@ void narrate(const Player &player)
         });
 }
 
+/// A commit may take as long as the plugin waits for the payee, and a little more.
+void limitTheEnd(const Terminal &terminal)
+{
+    const auto setPatience = [] {
+        constexpr std::chrono::seconds grace{10};
+        EndLimit::setPatience(std::chrono::duration_cast<std::chrono::seconds>(commitTimeLimit()) + grace);
+    };
+    setPatience();
+    QObject::connect(&terminal, &Terminal::committingChanged, &terminal, setPatience);
+}
+
 /// Ends the program when the terminal is ready for it and the scenario, if there is one, is through.
 int runUntilQuit(Terminal &terminal, Player *player)
 {
@@ -97,6 +110,12 @@ int runUntilQuit(Terminal &terminal, Player *player)
     QObject::connect(&terminal, &Terminal::quitReady, &terminal, [&] {
         if (mayEnd)
             QCoreApplication::exit(status);
+    });
+    limitTheEnd(terminal);
+    QObject::connect(&terminal, &Terminal::quitWanted, &terminal, [&] {
+        // A scenario goes on behind its own.
+        if (mayEnd)
+            EndLimit::begin();
     });
     const SignalWatch signalWatch;
     QObject::connect(&signalWatch, &SignalWatch::endWanted, &terminal, [&] {

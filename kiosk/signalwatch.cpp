@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "signalwatch.h"
 
+#include "endlimit.h"
+
 #include <QSocketNotifier>
 
 #include <array>
@@ -19,6 +21,8 @@ std::array<int, 2> pipeEnds = {-1, -1};
 
 void noteSignal(int /*signal*/)
 {
+    // Here, since there may be no event loop any more that would be told.
+    EndLimit::begin();
     const char mark = 0;
     [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &mark, 1);
 }

@@ -7,7 +7,7 @@
 class QSocketNotifier;
 
 namespace kiosk {
-/// Turns SIGTERM, SIGINT and SIGHUP into an event. One at a time may live.
+/// Turns SIGTERM, SIGINT and SIGHUP into an event, and gives the program its EndLimit. One at a time may live.
 class SignalWatch : public QObject
 {
     Q_OBJECT

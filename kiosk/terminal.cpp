@@ -250,6 +250,7 @@ QString Terminal::writeSettings(const QVariantMap &settings)
 
 QString Terminal::quit()
 {
+    Q_EMIT quitWanted();
     if (isDeferred(&Terminal::quit))
         return {};
     // What cannot be committed is in the ledger all the same, and is shown at the next start.

@@ -138,6 +138,8 @@ Q_SIGNALS:
     void committingChanged(bool isCommitting);
     /// The plugin's page has stored its values.
     void settingsSaved();
+    /// quit() was called.
+    void quitWanted();
     void quitReady();
 
 private:

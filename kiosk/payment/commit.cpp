@@ -12,6 +12,12 @@
 #include <QElapsedTimer>
 
 namespace kiosk {
+std::chrono::milliseconds commitTimeLimit()
+{
+    // The plugin waits as long: by contract it cuts the seconds to 16 bits.
+    return std::chrono::seconds(static_cast<quint16>(TerminalAppSettings().onlineCheckTimeout()));
+}
+
 Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &payment)
 {
     // A later check found nothing due: all of the cash is owed to the customer.
@@ -19,9 +25,7 @@ Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &
         return Outcome::Confirmed;
     if (host.plugin() == nullptr || !host.plugin()->needPaymentPredProcessing())
         return Outcome::Unconfirmed;
-    constexpr qint64 millisecondsOfASecond = 1000;
-    // The plugin waits as long: by contract it cuts the seconds to 16 bits.
-    const qint64 limit = static_cast<quint16>(TerminalAppSettings().onlineCheckTimeout()) * millisecondsOfASecond;
+    const qint64 limit = commitTimeLimit().count();
     ConfirmationWatch watch(host.root());
     PayPack pack;
     pack.addPayment(payment);

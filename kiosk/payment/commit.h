@@ -4,11 +4,16 @@
 
 #include "ledger/ledgerentry.h"
 
+#include <chrono>
+
 class Payment;
 class SessionManager;
 
 namespace kiosk {
 class PluginHost;
+
+/// How long the plugin may take for a commit: what comes later is not known to be confirmed.
+[[nodiscard]] std::chrono::milliseconds commitTimeLimit();
 
 /// Has the plugin register the payment with the payee. Blocks until the plugin returns; events are processed meanwhile,
 /// so plugin and session must not go before that.

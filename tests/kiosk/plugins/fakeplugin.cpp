@@ -8,6 +8,7 @@
 #include "plugininterface/ipaybyprovider.h"
 #include "plugininterface/ipaybyprovidersettingswidget.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QPointer>
 #include <QTimer>
@@ -67,7 +68,8 @@ public:
 /// its contract. A test reaches it as the terminal does, by its root object.
 ///
 /// Plans: "confirmation" (see confirm()) and "form" ("none"). FAKE_PLUGIN in the environment says what the library does
-/// while it is loaded ("dies", "ends", "hangs"), and whom it takes payments for ("another payee").
+/// while it is loaded ("dies", "ends", "hangs"), whom it takes payments for ("another payee"), and that a card of
+/// 150.00 brings up the details and its confirmation never ends ("never returns", "stands still").
 class FakePlugin : public QObject, public IPayByProvider
 {
     Q_OBJECT
@@ -140,8 +142,10 @@ public:
         m_provider = provider;
         m_session = session;
         connect(session, &SessionManager::newParcomatCardDataCommand, this,
-                [](const QString & /*command*/, const QVariantMap &card) {
+                [this](const QString & /*command*/, const QVariantMap &card) {
                     record(QStringLiteral("card ") + card.value(QStringLiteral("id")).toString());
+                    if (!endlessMood().isEmpty())
+                        showDetails();
                 });
         record(QStringLiteral("start"));
         if (plans().value(QStringLiteral("form")) == QStringLiteral("none"))
@@ -184,7 +188,9 @@ public:
                    .arg(payment.uid())
                    .arg(payment.summ().toString(), payment.comission().toString()));
         const QString confirmation =
-            plans().value(QStringLiteral("confirmation"), QStringLiteral("taken off")).toString();
+            endlessMood().isEmpty()
+                ? plans().value(QStringLiteral("confirmation"), QStringLiteral("taken off")).toString()
+                : endlessMood();
         if (confirmation == QLatin1String("dies")) {
             delete this;
             return;
@@ -195,10 +201,26 @@ public:
     }
 
 private:
+    static QString endlessMood()
+    {
+        const QString mood = QString::fromUtf8(qgetenv("FAKE_PLUGIN"));
+        return mood == QLatin1String("never returns") || mood == QLatin1String("stands still") ? mood : QString();
+    }
+
+    void showDetails()
+    {
+        fill(QStringLiteral("SummToPay"), QStringLiteral("150.00"));
+        Q_EMIT m_form->needShowPayDetail();
+    }
+
     void confirm(const QString &how)
     {
         if (how == QLatin1String("no message"))
             return;
+        while (how == QLatin1String("never returns"))
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        while (how == QLatin1String("stands still"))
+            ::pause();
         const bool closesByItself = how == QLatin1String("closed by itself");
         showMessage(closesByItself ? 1 : 0);
         if (how == QLatin1String("taken off"))

@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: The parkomat-plugin authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+
+namespace kiosk {
+/// Ends the program that has been told to end and does not, since the plugin never returns from a commit. What the
+/// ledger says of that payment by then is what the next start goes by.
+namespace EndLimit {
+/// The exit status of a program that ends so.
+constexpr int STATUS = 1;
+
+/// How long the program may take from begin() on.
+void setPatience(std::chrono::seconds patience);
+/// The program has been told to end; later calls prolong nothing. May be called in a signal's handler.
+void begin();
+} // namespace EndLimit
+} // namespace kiosk

@@ -31,8 +31,6 @@ public:
     RandomWalk(unsigned seed, Tell tell) : m_random(seed), m_tell(tell), m_project(QStringLiteral(TEST_PROJECT))
     {
         TestClock::freeze(now());
-        qRegisterMetaType<ParkInfoPayResponse>("ParkInfoPayResponse");
-        qRegisterMetaType<ParkingCheckResponse>("ParkingCheckResponse");
         makeHandler(0, 0);
         makeSession(0, 0);
         makeProvider(0, 0);

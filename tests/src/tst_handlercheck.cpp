@@ -12,7 +12,6 @@ const QString WAIT = QStringLiteral("Проверка информации, по
 const QStringList CANCELLED = {QStringLiteral("needCancel")};
 const QStringList DETAILS = {QStringLiteral("needShowPayDetail")};
 const QString PARCOMAT_DATA = QStringLiteral("parcomatData");
-const QString PDATA = QStringLiteral("01312211020202190000000100000000");
 } // namespace
 
 /// What the customer sees while the cash service is asked, and what its answer leaves with the host.
@@ -236,7 +235,7 @@ private Q_SLOTS:
         WAIT_FOR(bench.parameter(QStringLiteral("UIN")), QStringLiteral("uin-1"));
         const QVariantMap card = {{QStringLiteral("id"), QStringLiteral("305419896")},
                                   {QStringLiteral("cardId"), QStringLiteral("0000123456")},
-                                  {QStringLiteral("pdata"), PDATA}};
+                                  {QStringLiteral("pdata"), HandlerBench::payload()}};
         QCOMPARE(bench.session().pluginsData(),
                  QVariantMap({{PARCOMAT_DATA, QVariantMap({{QStringLiteral("cardData"), card},
                                                            {QStringLiteral("totalCharge"), QStringLiteral("150.00")}})},

@@ -257,6 +257,7 @@ private Q_SLOTS:
         QVERIFY(meanwhile.isDone());
         QVERIFY(!clock.wasHelped());
         QCOMPARE(paid.bench.messageText(), QString());
+        QCOMPARE(HandlerBench::takeAlarms().size(), 1);
         QCOMPARE(paid.bench.takeSignals(), QStringList());
     }
 

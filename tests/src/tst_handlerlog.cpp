@@ -75,7 +75,7 @@ QStringList linesOfAPayment(const QString &request)
     return {rendered(QtDebugMsg, PARKOMAT, CONSTRUCTOR, QStringLiteral("NALOG_CONSTRUCTOR")),
             rendered(QtDebugMsg, PARKOMAT, START, QStringLiteral("NALOG_PLUGIN_STARTED")),
             rendered(QtWarningMsg, DEFAULT, CARD,
-                     QStringLiteral("cardId: 0000123456\nid: 305419896\npdata: 01312211020202190000000100000000")),
+                     QStringLiteral("cardId: 0000123456\nid: 305419896\npdata: ") + HandlerBench::payload()),
             rendered(QtWarningMsg, DEFAULT, CARD, request),
             rendered(QtWarningMsg, DEFAULT, COMMIT, QStringLiteral("SOME PAYS FOR PROVIDER: Парковка")),
             rendered(QtWarningMsg, DEFAULT, PAID, QStringLiteral("1 ")),

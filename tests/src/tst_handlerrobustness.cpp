@@ -199,8 +199,6 @@ private Q_SLOTS:
     {
         QFETCH(int, index);
         QFETCH(bool, isStopped);
-        qRegisterMetaType<ParkInfoPayResponse>("ParkInfoPayResponse");
-        qRegisterMetaType<ParkingCheckResponse>("ParkingCheckResponse");
         FragilePayment payment;
         if (isStopped) {
             payment.start();
@@ -215,8 +213,8 @@ private Q_SLOTS:
             return i < values.size() ? QGenericArgument(values.at(i).typeName(), values.at(i).constData())
                                      : QGenericArgument();
         };
-        for (int times = 0; times < 2; ++times) {
-            QVERIFY(slot.invoke(payment.handler(), argument(0), argument(1)));
+        for (const Qt::ConnectionType call : {Qt::DirectConnection, Qt::QueuedConnection}) {
+            QVERIFY(slot.invoke(payment.handler(), call, argument(0), argument(1)));
             payment.settle();
             leap(LATER_MS);
         }
@@ -226,6 +224,8 @@ private Q_SLOTS:
         QCOMPARE(QApplication::topLevelWidgets(), QWidgetList());
         QCOMPARE(payment.bench().outcome(), QStringList());
         QCOMPARE(payment.service().complaint(), QString());
+        // An answer of nothing is no success.
+        QCOMPARE(HandlerBench::takeAlarms().size(), slot.name() == "parkInfoPayResponseHandler" ? 2 : 0);
     }
 
     void hostObjects_null_areDoneWithout()
@@ -241,6 +241,7 @@ private Q_SLOTS:
         payment.handler()->parkingCheckResponseHandler(ParkingCheckResponse());
         plugin.doPaymentPredProcessing(nullptr, nullptr);
         QCOMPARE(payment.service().requests().size(), 0);
+        QCOMPARE(HandlerBench::takeAlarms(), QStringList(QStringLiteral("INVALID PLUGIN PROVIDER")));
         plugin.stop();
         plugin.stop();
     }

@@ -4,6 +4,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -45,6 +47,16 @@ QList<LogLine> MessageLog::take()
 {
     const std::lock_guard lock(mutex);
     return std::exchange(lines, {});
+}
+
+QList<LogLine> MessageLog::takeIf(const std::function<bool(const LogLine &)> &holds)
+{
+    const std::lock_guard lock(mutex);
+    const auto taken = std::stable_partition(lines.begin(), lines.end(), std::not_fn(holds));
+    QList<LogLine> all;
+    std::move(taken, lines.end(), std::back_inserter(all));
+    lines.erase(taken, lines.end());
+    return all;
 }
 
 void MessageLog::drop()

@@ -6,6 +6,8 @@
 #include <QLoggingCategory>
 #include <QString>
 
+#include <functional>
+
 /// One line of the log with its whole context.
 struct LogLine
 {
@@ -30,6 +32,8 @@ public:
 
     /// All lines since the last call.
     [[nodiscard]] static QList<LogLine> take();
+    /// Of the lines since the last call those for which it holds; the others stay.
+    [[nodiscard]] static QList<LogLine> takeIf(const std::function<bool(const LogLine &)> &holds);
     /// Forgets the lines since the last call: what was done before is not what the test is about.
     static void drop();
 };

@@ -9,18 +9,30 @@
 
 namespace {
 QStringList ignoredPaths;
+QStringList ignoredWarningPaths;
+
+bool isOfAny(const QStringList &paths, const LogLine &line)
+{
+    return std::any_of(paths.cbegin(), paths.cend(),
+                       [&line](const QString &path) { return line.file.startsWith(path); });
+}
 
 bool isUnexpected(const LogLine &line)
 {
-    return line.level != QtDebugMsg && line.level != QtInfoMsg &&
-           std::none_of(ignoredPaths.cbegin(), ignoredPaths.cend(),
-                        [&line](const QString &path) { return line.file.startsWith(path); });
+    if (line.level == QtDebugMsg || line.level == QtInfoMsg || isOfAny(ignoredPaths, line))
+        return false;
+    return line.level != QtWarningMsg || !isOfAny(ignoredWarningPaths, line);
 }
 } // namespace
 
 void TestCase::ignoreLogOf(const QString &path)
 {
     ignoredPaths.append(path);
+}
+
+void TestCase::ignoreWarningsOf(const QString &path)
+{
+    ignoredWarningPaths.append(path);
 }
 
 void TestCase::ignoreLog()
@@ -31,6 +43,7 @@ void TestCase::ignoreLog()
 void TestCase::init()
 {
     ignoredPaths.clear();
+    ignoredWarningPaths.clear();
     WorkDirectory::clear();
     m_log = std::make_unique<MessageLog>();
 }

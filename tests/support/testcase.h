@@ -19,6 +19,8 @@ class TestCase : public QObject
 public:
     /// Says that this test function does not look at lines from source files whose path begins so: "src/".
     static void ignoreLogOf(const QString &path);
+    /// The same, but for what is worse than a warning.
+    static void ignoreWarningsOf(const QString &path);
 
 protected:
     /// Says that this test function does not look at the log.

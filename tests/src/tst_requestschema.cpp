@@ -23,6 +23,14 @@ void broken(const QByteArray &rule, const char *kind, QByteArray from, QByteArra
     }
     SchemaBreaks::add(rule, kind, QRegularExpression::escape(QString::fromUtf8(from)), to, breach);
 }
+
+/// broken() for rows that are all of one kind.
+auto breaking(const char *kind)
+{
+    return [kind](const char *rule, const char *from, const char *to, const char *breach) {
+        broken(rule, kind, from, to, breach);
+    };
+}
 } // namespace
 
 /// The requests' schemas: that each of their rules is one.
@@ -33,9 +41,7 @@ class RequestSchemaTest : public TestCase
 private:
     static void addBrokenHeaders(const char *schema)
     {
-        const auto breaks = [schema](const char *rule, const char *from, const char *to, const char *breach) {
-            broken(rule, schema, from, to, breach);
-        };
+        const auto breaks = breaking(schema);
         breaks("root of another name", "Request", "Requests", "'Requests': No matching global declaration");
         breaks("root in a namespace", "<Request ", "<Request xmlns='urn:x' ", "No matching global declaration");
         breaks("RecordVersion missing", " RecordVersion=\"2\"", "", "'RecordVersion' is required but missing");
@@ -103,9 +109,7 @@ private:
 
     static void addBrokenPayments(const char *schema)
     {
-        const auto breaks = [schema](const char *rule, const char *from, const char *to, const char *breach) {
-            broken(rule, schema, from, to, breach);
-        };
+        const auto breaks = breaking(schema);
         breaks("ResultCode present", " Operation", " ResultCode=\"0\" Operation", "'ResultCode' is not allowed");
         breaks("Payments missing", "<Payments>%PAYMENT%</Payments>", "", "Expected is ( Payments )");
         breaks("Payments empty", "%PAYMENT%", "", "Expected is ( Payment )");

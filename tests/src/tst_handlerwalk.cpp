@@ -47,11 +47,7 @@ private Q_SLOTS:
 
 TEST_CHILD(walks)
 {
-    static QByteArray logged;
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &text) {
-        if (type != QtDebugMsg && !QByteArray(context.file).startsWith("src/"))
-            logged += text.toUtf8() + '\n';
-    });
+    const MessageLog log;
     const auto tell = [](int number, const char *name, unsigned a, unsigned b) {
         std::printf("step %d: %s (%u, %u)\n", number, name, a, b);
         std::fflush(stdout);
@@ -64,8 +60,13 @@ TEST_CHILD(walks)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     if (!QApplication::allWidgets().isEmpty())
         wrong += QStringLiteral("\n%1 widgets left").arg(QApplication::allWidgets().size());
-    std::printf("%s\n%s", qPrintable(wrong), logged.constData());
-    return wrong.isEmpty() && logged.isEmpty() ? 0 : 1;
+    const QList<LogLine> lines = MessageLog::take();
+    for (const LogLine &line : lines) {
+        if (line.level != QtDebugMsg && !line.file.startsWith(QLatin1String("src/")))
+            wrong += QLatin1Char('\n') + toString(line);
+    }
+    std::printf("%s\n", qPrintable(wrong));
+    return wrong.isEmpty() ? 0 : 1;
 }
 
 WIDGET_TEST_MAIN(HandlerWalkTest)

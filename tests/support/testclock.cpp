@@ -17,7 +17,6 @@ namespace {
 // constructed.
 std::atomic<bool> isReal = true;
 std::mutex mutex;
-QList<qint64> moments;
 int readingsSoFar = 0;
 std::atomic<qint64> skippedMs = 0;
 // Not a thread_local variable: the first use of one allocates, and who allocates may want to know the time.
@@ -25,6 +24,14 @@ std::atomic<pthread_t> skippingThread = {};
 
 constexpr qint64 MS_PER_SECOND = 1'000;
 constexpr qint64 NS_PER_MS = 1'000'000;
+
+/// Empty while the clock is real. Never destroyed: a thread of a library that nobody waits for may still look at the
+/// clock while the process ends.
+QList<qint64> &moments()
+{
+    static auto &list = *new QList<qint64>;
+    return list;
+}
 
 /// The real clock, asked of the kernel: the C library's functions are the ones that are replaced here.
 int kernelTime(clockid_t clock, timespec *time)
@@ -37,7 +44,10 @@ int wallTime(timespec *time)
     if (isReal)
         return kernelTime(CLOCK_REALTIME, time);
     const std::lock_guard lock(mutex);
-    const qint64 ms = moments.at(std::min(readingsSoFar, moments.size() - 1));
+    // Released meanwhile.
+    if (moments().isEmpty())
+        return kernelTime(CLOCK_REALTIME, time);
+    const qint64 ms = moments().at(std::min(readingsSoFar, moments().size() - 1));
     ++readingsSoFar;
     time->tv_sec = static_cast<time_t>(ms / MS_PER_SECOND);
     time->tv_nsec = static_cast<long>(ms % MS_PER_SECOND * NS_PER_MS);
@@ -87,11 +97,11 @@ void TestClock::play(const QList<QDateTime> &newMoments)
 {
     isReal = true;
     const std::lock_guard lock(mutex);
-    moments.clear();
+    moments().clear();
     readingsSoFar = 0;
     for (const QDateTime &moment : newMoments)
-        moments.append(moment.toMSecsSinceEpoch());
-    isReal = moments.isEmpty();
+        moments().append(moment.toMSecsSinceEpoch());
+    isReal = moments().isEmpty();
 }
 
 int TestClock::readings()

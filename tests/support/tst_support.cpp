@@ -13,7 +13,14 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
 #include <memory>
+#include <thread>
+
+#include <sys/time.h>
+#include <unistd.h>
 
 /// The tests' own instruments.
 class SupportTest : public TestCase
@@ -72,6 +79,31 @@ private Q_SLOTS:
         read(&after);
         QVERIFY(here.elapsed() >= 3'600'000);
         QVERIFY(after - before < 3'000'000);
+    }
+
+    void clock_frozen_standsStillToTheProcessesEnd()
+    {
+        const auto child = ChildProcess::start("tellsTheTimeAtItsEnd");
+        QCOMPARE(ChildProcess::finish(*child), 0);
+        QCOMPARE(child->readAll(), QByteArray("1709820309\n"));
+    }
+
+    void clock_frozenAndReleased_givesOtherThreadsNoThirdTime()
+    {
+        const QDateTime moment(QDate(2024, 3, 7), QTime(14, 5, 9), Qt::UTC);
+        std::atomic<bool> isOver = false;
+        qint64 earliest = moment.toMSecsSinceEpoch();
+        std::thread reader([&isOver, &earliest] {
+            while (!isOver)
+                earliest = std::min(earliest, QDateTime::currentMSecsSinceEpoch());
+        });
+        for (int i = 0; i < 200'000; ++i) {
+            TestClock::freeze(moment);
+            TestClock::release();
+        }
+        isOver = true;
+        reader.join();
+        QCOMPARE(earliest, moment.toMSecsSinceEpoch());
     }
 
     void zone_set_isTheProcessZone()
@@ -152,6 +184,22 @@ TEST_CHILD(makesAFile)
 {
     QFile file(WorkDirectory::path() + QStringLiteral("/made-by-child"));
     return file.open(QIODevice::WriteOnly) ? 0 : 1;
+}
+
+/// As a stream's way out it is called behind all destructors, where threads of libraries may still be running.
+static ssize_t tellTheTime(void * /*stream*/, const char * /*bytes*/, size_t size)
+{
+    timeval now = {};
+    gettimeofday(&now, nullptr);
+    dprintf(STDOUT_FILENO, "%lld\n", static_cast<long long>(now.tv_sec));
+    return static_cast<ssize_t>(size);
+}
+
+TEST_CHILD(tellsTheTimeAtItsEnd)
+{
+    TestClock::freeze(QDateTime(QDate(2024, 3, 7), QTime(14, 5, 9), Qt::UTC));
+    FILE *stream = fopencookie(nullptr, "w", {nullptr, tellTheTime, nullptr, nullptr});
+    return std::fputs("unsent", stream) < 0 ? 1 : 0;
 }
 
 TEST_MAIN(SupportTest)

@@ -42,6 +42,14 @@ public:
     [[nodiscard]] bool isUp(const char *name) const { return part<QWidget>(name)->isVisible(); }
     [[nodiscard]] QString text(const char *name) const { return part<QLabel>(name)->text(); }
     void touch(const char *name) { QTest::mouseClick(part<QPushButton>(name), Qt::LeftButton); }
+    /// A customer who pays 150.00, up to the receipt.
+    void pay(TerminalBench &bench)
+    {
+        bench.showDetails();
+        bench.takeCash("150");
+        touch("payButton");
+        WAIT_FOR(bench->screen(), kiosk::Terminal::Screen::Receipt);
+    }
 
     /// All that can be read.
     [[nodiscard]] QString allText() const

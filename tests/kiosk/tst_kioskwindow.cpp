@@ -53,10 +53,7 @@ private Q_SLOTS:
         ShownWindow shown(bench.terminal());
         QApplication::setActiveWindow(shown.window().window());
         QCOMPARE(QApplication::focusWidget(), &shown.window());
-        bench.showDetails();
-        bench.takeCash("150");
-        shown.touch("payButton");
-        WAIT_FOR(bench->screen(), Screen::Receipt);
+        shown.pay(bench);
         QCOMPARE(QApplication::focusWidget(), &shown.window());
         QTest::keyClick(&shown.window(), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), shown.part<QPushButton>("receiptButton"));
@@ -86,10 +83,7 @@ private Q_SLOTS:
     {
         TerminalBench bench;
         ShownWindow shown(bench.terminal());
-        bench.showDetails();
-        bench.takeCash("150");
-        shown.touch("payButton");
-        WAIT_FOR(bench->screen(), Screen::Receipt);
+        shown.pay(bench);
         QCOMPARE(shown.text("receiptCountdown"), QStringLiteral("Экран закроется через 20 с"));
         // On a busy machine more time may pass than is skipped.
         int secondsShown = 0;
@@ -106,10 +100,7 @@ private Q_SLOTS:
         TerminalBench bench;
         ShownWindow shown(bench.terminal());
         bench.plan("confirmation", QStringLiteral("left up"));
-        bench.showDetails();
-        bench.takeCash("150");
-        shown.touch("payButton");
-        WAIT_FOR(bench->screen(), Screen::Receipt);
+        shown.pay(bench);
         QCOMPARE(shown.text("receiptTitle"), QStringLiteral("Оплата не подтверждена"));
         QVERIFY(shown.text("receiptText").startsWith(QStringLiteral("Подтверждение не получено:")));
         QCOMPARE(shown.text("receiptCountdown"), QStringLiteral("Экран закроется через 60 с"));

@@ -38,7 +38,7 @@ public:
     ~TerminalBench()
     {
         m_terminal.reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteReleased();
     }
     TerminalBench(const TerminalBench &) = delete;
     TerminalBench &operator=(const TerminalBench &) = delete;
@@ -51,13 +51,13 @@ public:
         options.inactivitySeconds = seconds;
         return options;
     }
-    /// The texts of the critical lines in the log so far; the others are forgotten.
-    [[nodiscard]] static QStringList takeCriticalLines()
+    /// The texts of the lines of that level in the log so far; the others are forgotten.
+    [[nodiscard]] static QStringList takeLines(QtMsgType level)
     {
         QStringList texts;
         const QList<LogLine> lines = MessageLog::take();
         for (const LogLine &line : lines) {
-            if (line.level == QtCriticalMsg)
+            if (line.level == level)
                 texts.append(line.text);
         }
         return texts;

@@ -100,17 +100,6 @@ std::unique_ptr<FullDisk> confirmOnAFullDisk(TerminalBench &bench)
     waitUntil([&] { return bench->screen() == Screen::Receipt; });
     return disk;
 }
-
-QStringList logged(QtMsgType level)
-{
-    QStringList texts;
-    const QList<LogLine> lines = MessageLog::take();
-    for (const LogLine &line : lines) {
-        if (line.level == level)
-            texts.append(line.text);
-    }
-    return texts;
-}
 } // namespace
 
 /// Disks that are full or read-only, and a second program in the ledger's file: nothing is half written, nothing that
@@ -213,7 +202,7 @@ private Q_SLOTS:
         WAIT_FOR(bench->screen(), Screen::Idle);
         WAIT_FOR(bench.host().isRenewing(), false);
         letPass(3 * LedgerBacklog::RETRY_AFTER / std::chrono::milliseconds(1));
-        const QStringList faults = logged(QtCriticalMsg);
+        const QStringList faults = TerminalBench::takeLines(QtCriticalMsg);
         QCOMPARE(faults.size(), 1);
         QVERIFY2(faults.first().startsWith(QStringLiteral("the ledger is not written, and is tried again: ")),
                  qPrintable(faults.first()));
@@ -229,7 +218,7 @@ private Q_SLOTS:
             bench->quit();
         QCOMPARE(written(bench), Outcome::Confirmed);
         QCOMPARE(bench->ledgerFault(), QString());
-        QCOMPARE(logged(QtWarningMsg), QStringList{QStringLiteral("the ledger is written again")});
+        QCOMPARE(TerminalBench::takeLines(QtWarningMsg), QStringList{QStringLiteral("the ledger is written again")});
         // The receipt that was closed meanwhile is seen.
         QVERIFY(Ledger(TerminalBench::ledgerPath()).unseen().isEmpty());
     }
@@ -240,7 +229,7 @@ private Q_SLOTS:
             TerminalBench bench;
             const std::unique_ptr<FullDisk> disk = confirmOnAFullDisk(bench);
             bench->quit();
-            QCOMPARE(logged(QtCriticalMsg).size(), 1);
+            QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
         }
         const Ledger ledger(TerminalBench::ledgerPath());
         QCOMPARE(ledger.unseen().size(), 1);
@@ -257,7 +246,7 @@ private Q_SLOTS:
             const FullDisk disk;
             QVERIFY(!bench->pay().isEmpty());
         }
-        QCOMPARE(logged(QtCriticalMsg).size(), 1);
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
         QCOMPARE(bench->screen(), Screen::Details);
         QVERIFY(bench.takeCalls().isEmpty());
         QCOMPARE(written(bench), Outcome::Open);
@@ -274,7 +263,7 @@ private Q_SLOTS:
             const FullDisk disk;
             QVERIFY(!bench.takeCash("100").isEmpty());
         }
-        QCOMPARE(logged(QtCriticalMsg).size(), 1);
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
         QVERIFY(!bench->purchase().hasCash());
         QVERIFY(bench->entries().isEmpty());
     }

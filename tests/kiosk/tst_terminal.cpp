@@ -109,7 +109,7 @@ private Q_SLOTS:
         Q_UNUSED(bench.takeCalls());
         QVERIFY(!bench->start().isEmpty());
         QCOMPARE(bench->screen(), Screen::Idle);
-        QCOMPARE(TerminalBench::takeCriticalLines(), QStringList{QStringLiteral("the plugin has no form")});
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg), QStringList{QStringLiteral("the plugin has no form")});
         WAIT_FOR(bench.host().isRenewing(), false);
         QVERIFY(bench.takeCalls().contains(QStringLiteral("stop")));
         bench.plan("form", QString());
@@ -281,7 +281,7 @@ private Q_SLOTS:
         QSignalSpy quitReady(&terminal, &Terminal::quitReady);
         QCOMPARE(terminal.quit(), QString());
         QCOMPARE(quitReady.count(), 1);
-        QCOMPARE(TerminalBench::takeCriticalLines().size(), 1);
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
     }
 
     void renewed_pluginThatFails_breaksTheTerminal()
@@ -292,7 +292,7 @@ private Q_SLOTS:
         bench->stop();
         WAIT_FOR(bench->screen(), Screen::Broken);
         QVERIFY(!bench->brokenReason().isEmpty());
-        QCOMPARE(TerminalBench::takeCriticalLines().size(), 1);
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
     }
 };
 

@@ -148,7 +148,7 @@ private Q_SLOTS:
         bench.showDetails();
         runInLedger("ALTER TABLE notes RENAME TO gone");
         QVERIFY(!bench.takeCash("100").isEmpty());
-        QCOMPARE(TerminalBench::takeCriticalLines().size(), 1);
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
         QVERIFY(!bench->purchase().hasCash());
         runInLedger("ALTER TABLE gone RENAME TO notes");
         QCOMPARE(bench.takeCash("100"), QString());

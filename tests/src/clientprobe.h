@@ -18,6 +18,9 @@ inline const QByteArray PAY = QByteArrayLiteral("<Response Operation=\"ParkInfoP
 inline const QByteArray UNKNOWN_CARD =
     QByteArrayLiteral("<Response Operation=\"ParkingCheckResponse\" ResultCode=\"5\">"
                       "<ErrorInfo>no such card</ErrorInfo></Response>");
+inline const QByteArray REFUSED_PAYMENT =
+    QByteArrayLiteral("<Response Operation=\"ParkInfoPayResponse\" ResultCode=\"5\">"
+                      "<ErrorInfo>no such card</ErrorInfo></Response>");
 } // namespace Answers
 
 /// Writes down what a client signals, in order: "check s1 150.00", "pay s2", "error 5 no such card", "progress 25".

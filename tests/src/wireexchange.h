@@ -3,6 +3,7 @@
 #pragma once
 
 #include "clientprobe.h"
+#include "freshjournal.h"
 #include "support/messagelog.h"
 #include "support/rawserver.h"
 
@@ -38,6 +39,12 @@ inline QByteArray chunked(const QByteArray &body, int chunkSize)
     return bytes + "0\r\n\r\n";
 }
 
+/// Only what was seen as a registered payment may have advanced the journal, which was a FreshJournal before.
+inline void verifyJournal(const QString &seen)
+{
+    QCOMPARE(!FreshJournal::isThere(), seen.startsWith(QLatin1String("pay")));
+}
+
 inline int repliesOf(const ParkomatAccessManager &client)
 {
     return client.findChildren<QNetworkReply *>().size();
@@ -63,6 +70,7 @@ private:
 namespace WireExchange {
 inline void addColumns()
 {
+    QTest::addColumn<QString>("operation");
     QTest::addColumn<RawAnswer>("answer");
     // "%1" stands for the request's URL.
     QTest::addColumn<QString>("seen");
@@ -70,47 +78,72 @@ inline void addColumns()
 }
 
 /// @param mostTimes how often Qt may post; if more than once, then it does so twice at least.
-inline void addRow(const char *name, const RawAnswer &answer, const QString &seen, int mostTimes = 1)
+inline void addRow(const QByteArray &name, const RawAnswer &answer, const QString &seen, int mostTimes = 1)
 {
-    QTest::newRow(name) << answer << seen << mostTimes;
+    QTest::newRow(name) << QStringLiteral("ParkInfoPay") << answer << seen << mostTimes;
 }
 
-inline void addAnswer(const char *name, const QByteArray &bytes, const QString &seen)
+/// What the service has to say: whatever happens to an answer is tried with each.
+struct Kind
 {
-    addRow(name, {bytes}, seen);
-}
+    const char *name;
+    QString operation;
+    QByteArray body;
+    QString seen;
+    /// What is seen of a body that breaks off behind the root's start tag, as cut() does.
+    QString seenIfCut;
 
-inline void verifyRequest(const RawRequest &request, quint16 port)
+    [[nodiscard]] QByteArray cut() const { return body.left(body.indexOf('>', body.indexOf("<Response")) + 4); }
+
+    void addRow(const QByteArray &rowName, const RawAnswer &answer, const QString &rowSeen, int mostTimes = 1) const
+    {
+        QTest::addRow("%s: %s", name, rowName.constData()) << operation << answer << rowSeen << mostTimes;
+    }
+    void addAnswer(const QByteArray &rowName, const QByteArray &bytes, const QString &rowSeen) const
+    {
+        addRow(rowName, {bytes}, rowSeen);
+    }
+};
+
+inline const QList<Kind> KINDS = {
+    {"check", QStringLiteral("ParkingCheck"), Answers::CHECK, CHECKED, QStringLiteral("check  0.00")},
+    {"pay", QStringLiteral("ParkInfoPay"), Answers::PAY, PAID, QStringLiteral("pay ")},
+    {"refused", QStringLiteral("ParkInfoPay"), Answers::REFUSED_PAYMENT, REFUSED, QStringLiteral("error 5 ")}};
+
+inline void verifyRequest(const RawRequest &request, const QString &operation, quint16 port)
 {
-    QCOMPARE(request.line(), QByteArray("POST /api/ParkingCheck HTTP/1.1"));
+    QCOMPARE(request.line(), "POST /api/" + operation.toUtf8() + " HTTP/1.1");
     QCOMPARE(request.header("Host"), QList<QByteArray>{"127.0.0.1:" + QByteArray::number(port)});
     QCOMPARE(request.header("Content-Type"), QList<QByteArray>{"application/soap+xml"});
     QCOMPARE(request.header("Content-Length"), QList<QByteArray>{QByteArray::number(DOCUMENT.toUtf8().size())});
     QCOMPARE(request.body, DOCUMENT.toUtf8());
 }
 
-/// Posts once and verifies what the row says about it, on both sides.
+/// Posts once and verifies what the row says about it, on both sides and in the journal.
 inline void verify()
 {
+    QFETCH(QString, operation);
     QFETCH(RawAnswer, answer);
     QFETCH(QString, seen);
     QFETCH(int, mostTimes);
+    FreshJournal::make();
     RawServer server;
     server.planForAll(answer);
     useService(server.port());
     ParkomatAccessManager client;
     const ClientProbe probe(client);
-    QVERIFY(client.postData(QStringLiteral("ParkingCheck"), DOCUMENT));
+    QVERIFY(client.postData(operation, DOCUMENT));
     WAIT_FOR(probe.seen().size(), 1);
     WAIT_FOR(repliesOf(client), 0);
     WAIT_FOR(server.openConnections(), 0);
-    const QString url = QStringLiteral("http://127.0.0.1:%1/api/ParkingCheck").arg(server.port());
+    const QString url = QStringLiteral("http://127.0.0.1:%1/api/%2").arg(server.port()).arg(operation);
     QCOMPARE(probe.seen(), QStringList(seen.contains(QLatin1String("%1")) ? seen.arg(url) : seen));
+    verifyJournal(seen);
     QCOMPARE(server.complaint(), QString());
     const int times = server.requests().size();
     QVERIFY2(times >= (mostTimes > 1 ? 2 : 1) && times <= mostTimes, qPrintable(QString::number(times)));
     for (const RawRequest &request : server.requests())
-        verifyRequest(request, server.port());
+        verifyRequest(request, operation, server.port());
     MessageLog::drop();
 }
 } // namespace WireExchange

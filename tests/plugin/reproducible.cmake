@@ -1,5 +1,5 @@
 # Builds and installs the plugin twice against a terminal's SDK, from two copies of the source tree in two folders, and
-# demands the same file bit for bit; then asks it when it was built.
+# demands the same file bit for bit; then asks what is shipped when it was built, what it exports and what it needs.
 #   cmake -DSOURCE=FOLDER -DBUILD=FOLDER -DPRINT_BUILD=PROGRAM -P reproducible.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -39,6 +39,19 @@ execute_process(
   OUTPUT_VARIABLE moment OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT moment STREQUAL MOMENT)
   message(FATAL_ERROR "The plugin says that it was built at \"${moment}\", it was at ${MOMENT}")
+endif()
+execute_process(
+  COMMAND nm -D --defined-only --format=just-symbols "${scratch}/first/installed/plugins/libparkomatplugin.so"
+  OUTPUT_VARIABLE exported OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+if(NOT exported STREQUAL "qt_plugin_instance\nqt_plugin_query_metadata")
+  message(FATAL_ERROR "The plugin exports more than Qt's two entry points:\n${exported}")
+endif()
+# Its status is 1 where it names some.
+execute_process(
+  COMMAND ldd -u "${scratch}/first/installed/plugins/libparkomatplugin.so" OUTPUT_VARIABLE unused
+  OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT unused STREQUAL "")
+  message(FATAL_ERROR "The plugin needs libraries that it does not use:\n${unused}")
 endif()
 file(REMOVE_RECURSE "${scratch}")
 message("${sums}")

@@ -17,9 +17,9 @@
 namespace kiosk {
 Terminal::Terminal(PluginHost &plugin, Ledger &ledger, const TerminalOptions &options, QObject *parent)
     : QObject(parent), m_plugin(plugin), m_ledger(ledger), m_backlog(ledger), m_options(options),
-      m_inactivity(options.inactivitySeconds), m_till(ledger, options.comission)
+      m_till(ledger, options.comission)
 {
-    connect(&m_inactivity, &Inactivity::expired, this, [this] { giveUp("the customer has gone"); });
+    connect(&m_inactivity, &Inactivity::expired, this, &Terminal::leaveAlone);
     connect(&m_plugin, &PluginHost::renewed, this, &Terminal::takeRenewedPlugin);
     try {
         m_unseen = m_ledger.unseen();
@@ -216,6 +216,7 @@ QString Terminal::openService()
         return refuse("open the service menu");
     m_backlog.retry();
     m_service.open(m_plugin.plugin());
+    m_inactivity.start(m_options.serviceSeconds);
     setScreen(Screen::Service);
     return {};
 }
@@ -232,6 +233,7 @@ QString Terminal::closeService()
 {
     if (m_screen != Screen::Service)
         return refuse("close the service menu");
+    m_inactivity.stop();
     m_service.close();
     showNext();
     return {};
@@ -342,7 +344,7 @@ QString Terminal::beginPayment()
         endPayment();
         return refuse("start");
     }
-    m_inactivity.start();
+    m_inactivity.start(m_options.inactivitySeconds);
     setScreen(Screen::Form);
     plugin.showInitScreen();
     return {};
@@ -384,6 +386,16 @@ void Terminal::showDetails()
     Q_EMIT purchaseChanged();
 }
 
+void Terminal::leaveAlone()
+{
+    if (m_screen != Screen::Service) {
+        giveUp("the customer has gone");
+        return;
+    }
+    qCInfo(KIOSK_LOG) << "the service menu was left alone: what was not saved in it is dropped";
+    closeService();
+}
+
 void Terminal::giveUp(const char *why)
 {
     if (!isPaying() || m_isCommitting) {
@@ -395,7 +407,7 @@ void Terminal::giveUp(const char *why)
         endPayment();
     else if (!beginCommit().isEmpty())
         // The ledger fails: it is tried again.
-        m_inactivity.start();
+        m_inactivity.start(m_options.inactivitySeconds);
 }
 
 QString Terminal::beginCommit()

@@ -35,6 +35,8 @@ struct TerminalOptions
     FixNumber comission;
     /// How long a customer may do nothing. Longer than the 30 s of the plugin's first message.
     int inactivitySeconds = 45;
+    /// How long an engineer may do nothing in the service menu.
+    int serviceSeconds = 180;
     /// Where the message views come from; not owned, may be null.
     FormProject *project = nullptr;
 };
@@ -121,7 +123,8 @@ public Q_SLOTS:
     QString leaveSessionCard(const QVariantMap &card);
     QString closeReceipt();
 
-    /// The service menu: no payment while it is open. save keeps what the page shows, close destroys the page.
+    /// The service menu: no payment while it is open. save keeps what the page shows, close destroys the page. It
+    /// closes by itself when nobody is there.
     QString openService();
     QString saveService();
     QString closeService();
@@ -157,6 +160,8 @@ private:
     [[nodiscard]] QString beginPayment();
     void endPayment();
     void showDetails();
+    /// Whoever stood there has gone.
+    void leaveAlone();
     /// The customer has gone, or the plugin has: with money in the payment is committed, else it is over.
     void giveUp(const char *why);
     [[nodiscard]] QString beginCommit();

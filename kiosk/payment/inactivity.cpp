@@ -6,17 +6,18 @@
 #include <QEvent>
 
 namespace kiosk {
-Inactivity::Inactivity(int seconds, QObject *parent) : QObject(parent)
+Inactivity::Inactivity(QObject *parent) : QObject(parent)
 {
     m_timer.setSingleShot(true);
-    m_timer.setInterval(std::chrono::seconds(seconds));
+    // Its seconds are shown.
+    m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &Inactivity::expired);
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-void Inactivity::start()
+void Inactivity::start(int seconds)
 {
-    m_timer.start();
+    m_timer.start(std::chrono::seconds(seconds));
 }
 
 void Inactivity::stop()

@@ -6,18 +6,18 @@
 #include <QTimer>
 
 namespace kiosk {
-/// Notices that a customer has gone: no touch, no key and no restart() for a while.
+/// Notices that whoever stood there has gone: no touch, no key and no restart() for a while.
 class Inactivity : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit Inactivity(int seconds, QObject *parent = nullptr);
+    explicit Inactivity(QObject *parent = nullptr);
 
-    /// Begins to wait, from now on.
-    void start();
+    /// Begins to wait so many seconds, from now on.
+    void start(int seconds);
     void stop();
-    /// The customer is there: waits from now on, if it waits at all.
+    /// Somebody is there: waits from now on, if it waits at all.
     void restart();
     /// Until expired(), rounded up; 0: it does not wait.
     [[nodiscard]] int secondsLeft() const;

@@ -87,7 +87,6 @@ void ServiceScreen::open(QWidget *page, const PluginIdentity &plugin, const QVec
 {
     leave();
     m_page = page;
-    m_save->setVisible(page != nullptr);
     if (page == nullptr)
         page = Parts::label(QStringLiteral("У плагина нет настроек."), "text");
     EditorNames::complete(*page);
@@ -120,6 +119,9 @@ void ServiceScreen::showSection(Section section)
     const int index = static_cast<int>(section);
     m_tabs->button(index)->setChecked(true);
     m_sections->setCurrentIndex(index);
+    // Elsewhere there is nothing to save.
+    m_save->setVisible(section == Section::Settings && m_page);
+    setStatus({});
 }
 
 void ServiceScreen::setStatus(const QString &text)

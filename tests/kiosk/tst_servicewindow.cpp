@@ -57,6 +57,46 @@ private Q_SLOTS:
         QVERIFY(!shown.isUp("ledgerFault"));
     }
 
+    void save_whereThereIsNothingToSave_isNotOffered()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        QVERIFY(shown.isUp("saveButton"));
+        for (const char *tab : {"paymentsTab", "pluginTab"}) {
+            shown.touch(tab);
+            QVERIFY(!shown.isUp("saveButton"));
+            QVERIFY(shown.isUp("closeButton"));
+        }
+        shown.touch("settingsTab");
+        QVERIFY(shown.isUp("saveButton"));
+    }
+
+    void service_leftAlone_closesAndSavesNothing()
+    {
+        kiosk::TerminalOptions options;
+        options.serviceSeconds = 2;
+        TerminalBench bench(options);
+        ShownWindow shown(bench.terminal());
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        const QPointer<QWidget> page = bench->settingsPage();
+        // Touches keep it open.
+        for (int i = 0; i < 4; ++i) {
+            TestClock::skip(1000);
+            shown.touch("paymentsTab");
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(bench->screen(), Screen::Service);
+        Q_UNUSED(bench.takeCalls());
+        letPass(2500);
+        QCOMPARE(bench->screen(), Screen::Idle);
+        WAIT_FOR(page.isNull(), true);
+        QCOMPARE(bench.takeCalls(), QStringList{QStringLiteral("~FakeSettings")});
+        QVERIFY(shown.isUp<kiosk::IdleScreen>());
+    }
+
     void service_whileTheLedgerIsNotWritten_saysSo()
     {
         TerminalBench bench;

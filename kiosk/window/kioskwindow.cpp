@@ -105,6 +105,7 @@ void KioskWindow::showPayment()
     state.secondsLeft = m_terminal.secondsToCommit();
     state.purchase = m_terminal.purchase();
     state.currency = m_terminal.currency();
+    state.phone = m_terminal.info().phone;
     m_screens->payment().setForm(m_terminal.formWidget());
     m_screens->payment().setState(state);
 }

@@ -12,17 +12,19 @@ namespace {
 QString captionText(const Purchase &purchase)
 {
     if (purchase.isNothingDue())
-        return purchase.hasCash() ? QStringLiteral("Оплачивать нечего. К возврату")
-                                  : QStringLiteral("Оплачивать нечего");
+        return purchase.hasCash() ? QStringLiteral("К возврату") : QStringLiteral("Оплачивать нечего");
     if (purchase.change() > FixNumber())
         return QStringLiteral("Сдача");
+    if (purchase.toPayIn() > purchase.remainder())
+        return QStringLiteral("Внести с комиссией");
     return purchase.toPayIn() > FixNumber() ? QStringLiteral("Осталось внести") : QStringLiteral("Внесена вся сумма");
 }
 
 QString hintText(const Purchase &purchase, bool acceptsCash)
 {
     if (purchase.isNothingDue())
-        return purchase.hasCash() ? QStringLiteral("Нажмите «Завершить»") : QStringLiteral("Нажмите «Закончить»");
+        return purchase.hasCash() ? QStringLiteral("Оплачивать нечего: нажмите «Завершить»")
+                                  : QStringLiteral("Нажмите «Закончить»");
     if (purchase.toPayIn() <= FixNumber())
         return QStringLiteral("Нажмите «Оплатить»");
     return acceptsCash ? QStringLiteral("Внесите купюры. Сдача не выдаётся") : QStringLiteral("Купюры не принимаются");

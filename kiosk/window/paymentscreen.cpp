@@ -4,6 +4,7 @@
 
 #include "window/amounttext.h"
 #include "window/moneyline.h"
+#include "window/outcometext.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -18,13 +19,11 @@ QString withSeconds(const QString &text, const PaymentScreen::State &state)
 {
     if (state.secondsLeft <= 0)
         return text;
-    return text + QStringLiteral(" Платёж завершится через %1 с.").arg(state.secondsLeft);
+    return text + QStringLiteral(" Платёж завершится через\u00A0%1\u00A0с.").arg(state.secondsLeft);
 }
 
-QString hintText(const PaymentScreen::State &state)
+QString moneyHint(const PaymentScreen::State &state)
 {
-    if (state.isCommitting)
-        return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
     if (!state.hasDetails || !state.purchase.hasCash())
         return {};
     if (state.purchase.isNothingDue())
@@ -34,15 +33,33 @@ QString hintText(const PaymentScreen::State &state)
     return withSeconds(QStringLiteral("Отменить платёж уже нельзя."), state);
 }
 
+/// Under an error that the plugin shows: what its button does, and who else can help.
+QString errorHint(const PaymentScreen::State &state)
+{
+    if (state.purchase.hasCash())
+        return QStringLiteral("Нажмите «ОК»: платёж завершится с внесённой суммой.");
+    return QStringLiteral("Нажмите «ОК». Нужна помощь — ") + OutcomeText::call(state.phone);
+}
+
+bool hasUp(const QWidget *form, const char *name)
+{
+    const auto parts = form != nullptr ? form->findChildren<QWidget *>(QLatin1String(name)) : QList<QWidget *>();
+    return std::any_of(parts.begin(), parts.end(), [](const QWidget *part) { return part->isVisible(); });
+}
+
 /// Whether the view that is up has buttons of its own that end it: a second one below would be one too many.
 bool hasWayOut(const QWidget *form)
 {
-    const auto buttons = form != nullptr ? form->findChildren<QAbstractButton *>() : QList<QAbstractButton *>();
-    return std::any_of(buttons.begin(), buttons.end(), [](const QAbstractButton *button) {
-        const QStringList names = {QStringLiteral("okButton"), QStringLiteral("cancelButton"),
-                                   QStringLiteral("noButton")};
-        return button->isVisible() && names.contains(button->objectName());
-    });
+    return hasUp(form, "okButton") || hasUp(form, "cancelButton") || hasUp(form, "noButton");
+}
+
+/// Where both buttons are up the message asks for something else: "enter it by hand" is no answer to press in passing.
+void calmPrompt(QWidget *form)
+{
+    const auto buttons =
+        form != nullptr ? form->findChildren<QPushButton *>(QStringLiteral("okButton")) : QList<QPushButton *>();
+    for (QPushButton *button : buttons)
+        Parts::setRole(*button, hasUp(button->parentWidget(), "cancelButton") ? "alternative" : "");
 }
 
 QString payText(const PaymentScreen::State &state)
@@ -109,8 +126,6 @@ void PaymentScreen::setState(const State &state)
 {
     m_state = state;
     m_money->setPurchase(state.purchase, state.currency, state.acceptsCash);
-    m_hint->setText(hintText(state));
-    m_hint->setAlignment(state.isCommitting ? Qt::AlignCenter : Qt::AlignLeft | Qt::AlignVCenter);
     m_pay->setEnabled(state.canPay);
     m_pay->setText(payText(state));
     m_cancel->setText(state.hasDetails && state.purchase.isNothingDue() ? QStringLiteral("Закончить")
@@ -122,11 +137,24 @@ void PaymentScreen::showBar()
 {
     const bool isAsked = hasWayOut(m_form);
     const bool hasMoney = m_state.hasDetails && !m_state.isCommitting && !isAsked;
+    calmPrompt(m_form);
+    m_hint->setText(hint());
     m_money->setVisible(hasMoney);
     // Where there is nothing to pay and nothing was paid in, it would never do anything.
     m_pay->setVisible(hasMoney && (!m_state.purchase.isNothingDue() || m_state.purchase.hasCash()));
     m_cancel->setVisible(m_state.canCancel && !m_state.isCommitting && !isAsked);
-    m_bar->setVisible(m_state.isCommitting || hasMoney || !m_cancel->isHidden());
+    m_hint->setAlignment(m_cancel->isHidden() && m_pay->isHidden() ? Qt::AlignCenter
+                                                                   : Qt::AlignLeft | Qt::AlignVCenter);
+    m_bar->setVisible(hasMoney || !m_cancel->isHidden() || !m_hint->text().isEmpty());
+}
+
+QString PaymentScreen::hint() const
+{
+    if (m_state.isCommitting)
+        return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
+    if (hasUp(m_form, "errorMark"))
+        return errorHint(m_state);
+    return hasWayOut(m_form) ? QString() : moneyHint(m_state);
 }
 
 bool PaymentScreen::eventFilter(QObject *watched, QEvent *event)

@@ -35,6 +35,8 @@ public:
         int secondsLeft = 0;
         Purchase purchase;
         Currency currency;
+        /// Whom to call; may be empty.
+        QString phone;
     };
 
     explicit PaymentScreen(QWidget *parent = nullptr);
@@ -56,6 +58,7 @@ protected:
 
 private:
     void releaseForm();
+    [[nodiscard]] QString hint() const;
     void showBar();
 
     QVBoxLayout *m_formPlace;

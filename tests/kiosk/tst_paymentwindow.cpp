@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
+#include "core/terminalappsettings.h"
 #include "kiosk/shownwindow.h"
 #include "support/testcase.h"
 #include "window/paymentscreen.h"
@@ -97,6 +98,36 @@ private Q_SLOTS:
         QTEST(shown.isUp("cancelButton"), "canCancel");
     }
 
+    void error_ofThePlugin_saysWhatToDo_data()
+    {
+        QTest::addColumn<bool>("hasCash");
+        QTest::addColumn<QString>("hint");
+        QTest::newRow("no money in") << false << "Нажмите «ОК». Нужна помощь — позвоните: 112";
+        QTest::newRow("money in") << true << "Нажмите «ОК»: платёж завершится с внесённой суммой.";
+    }
+
+    void error_ofThePlugin_saysWhatToDo()
+    {
+        QFETCH(bool, hasCash);
+        QFETCH(QString, hint);
+        TerminalAppSettings().setPluginSettingsValue(QStringLiteral("TERMINAL"), QStringLiteral("phone"),
+                                                     QStringLiteral("112"));
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench.showDetails();
+        if (hasCash)
+            bench.takeCash("100");
+        auto *error = new QWidget;
+        for (const char *part : {"errorMark", "okButton"})
+            (new QPushButton(error))->setObjectName(QLatin1String(part));
+        bench.form()->addView(error, QStringLiteral("error"));
+        WAIT_FOR(shown.allText().contains(hint), true);
+        QVERIFY(!shown.isUp("payButton"));
+        QVERIFY(!shown.isUp("cancelButton"));
+        delete error;
+        WAIT_FOR(shown.allText().contains(hint), false);
+    }
+
     void details_withNothingDue_offerOneWayOut()
     {
         TerminalBench bench;
@@ -114,9 +145,9 @@ private Q_SLOTS:
         bench.takeCash("100");
         bench.fill("SummToPay", QStringLiteral("0.00"));
         bench.signal("needShowPayDetail");
-        QVERIFY(shown.allText().contains(QStringLiteral("Оплачивать нечего. К возврату\n100.00\u00A0руб.")));
+        QVERIFY(shown.allText().contains(QStringLiteral("К возврату\n100.00\u00A0руб.")));
         QVERIFY(shown.allText().contains(QStringLiteral("Деньги вернут по номеру платежа.")));
-        QCOMPARE(shown.text("moneyHint"), QStringLiteral("Нажмите «Завершить»"));
+        QCOMPARE(shown.text("moneyHint"), QStringLiteral("Оплачивать нечего: нажмите «Завершить»"));
         QCOMPARE(shown.part<QPushButton>("payButton")->text(), QStringLiteral("Завершить"));
         QVERIFY(!shown.isUp("cancelButton"));
         Q_UNUSED(bench.takeCalls());
@@ -134,11 +165,12 @@ private Q_SLOTS:
         bench.showDetails();
         QVERIFY(!shown.allText().contains(QStringLiteral("Платёж завершится")));
         bench.takeCash("100");
-        QVERIFY(shown.allText().contains(QStringLiteral("Платёж завершится через 45 с.")));
+        QVERIFY2(shown.allText().contains(QStringLiteral("Платёж завершится через\u00A045\u00A0с.")),
+                 qPrintable(shown.allText()));
         // On a busy machine more time may pass than is skipped.
         int secondsShown = 0;
         while (bench->screen() == Screen::Details && !bench->isCommitting() && secondsShown < 46) {
-            const QString expected = QStringLiteral("через %1 с.").arg(bench->secondsToCommit());
+            const QString expected = QStringLiteral("через\u00A0%1\u00A0с.").arg(bench->secondsToCommit());
             QVERIFY2(shown.allText().contains(expected), qPrintable(shown.allText()));
             ++secondsShown;
             passASecond();

@@ -10,6 +10,7 @@
 #include "guiclient/widgetnames.h"
 #include "kiosk/looks/samples.h"
 #include "payee.h"
+#include "terminal.h"
 #include "window/look.h"
 #include "window/paymentscreen.h"
 #include "window/screens.h"
@@ -27,6 +28,7 @@ public:
         m_form = std::make_unique<PluginBaseFormViewer>(&m_session, m_provider, Currency(), QString());
         m_form->setInfo(Samples::terminal());
         payment().setForm(m_form.get());
+        m_state.phone = Samples::terminal().phone;
         payment().setState(m_state);
         showScreen(payment());
     }
@@ -50,15 +52,17 @@ public:
         m_provider->setParameters(parameters);
     }
 
-    void showDetails(const QString &sumDue, const QString &cash)
+    void showDetails(const QString &sumDue, const QString &cash, const QString &comission = {})
     {
         setParameters(sumDue);
         m_state.hasDetails = true;
+        m_state.purchase = kiosk::Purchase(FixNumber(100, comission));
         m_state.purchase.setDue(sumDue);
         m_state.purchase.add(FixNumber(100, cash));
         m_state.canCancel = !m_state.purchase.hasCash();
         m_state.canPay = m_state.purchase.hasCash();
-        m_state.acceptsCash = !m_state.purchase.isNothingDue();
+        m_state.acceptsCash = m_state.purchase.toPayIn() > FixNumber();
+        m_state.secondsLeft = m_state.purchase.hasCash() ? kiosk::TerminalOptions().inactivitySeconds : 0;
         m_form->setPaidIn(m_state.purchase.cash());
         m_form->showPayDetail();
         payment().setState(m_state);
@@ -190,6 +194,36 @@ std::unique_ptr<QWidget> detailsChange()
 std::unique_ptr<QWidget> detailsNothingDue()
 {
     return detailsOf(QStringLiteral("0.00"), {});
+}
+
+std::unique_ptr<QWidget> detailsToReturn()
+{
+    return detailsOf(QStringLiteral("0.00"), QStringLiteral("100.00"));
+}
+
+std::unique_ptr<QWidget> detailsComission()
+{
+    auto window = std::make_unique<Payment>();
+    window->showDetails(QStringLiteral("150.00"), QStringLiteral("100.00"), QStringLiteral("5.00"));
+    return window;
+}
+
+std::unique_ptr<QWidget> errorWithMoney()
+{
+    auto window = std::make_unique<Payment>();
+    window->showDetails(QStringLiteral("150.00"), QStringLiteral("100.00"));
+    Payment::showMessage(window->form(), QStringLiteral("Сервис временно недоступен"), 10, Controller::Error);
+    return window;
+}
+
+std::unique_ptr<QWidget> committingError()
+{
+    auto window = std::make_unique<Payment>();
+    window->showDetails(QStringLiteral("150.00"), QStringLiteral("150.00"));
+    Payment::showMessage(window->form(), QStringLiteral("Платёж уже зарегистрирован с другой суммой"), 10,
+                         Controller::Error);
+    window->commit();
+    return window;
 }
 
 std::unique_ptr<QWidget> committing()

@@ -19,5 +19,9 @@ namespace FormScenes {
 [[nodiscard]] std::unique_ptr<QWidget> detailsPart();
 [[nodiscard]] std::unique_ptr<QWidget> detailsChange();
 [[nodiscard]] std::unique_ptr<QWidget> detailsNothingDue();
+[[nodiscard]] std::unique_ptr<QWidget> detailsToReturn();
+[[nodiscard]] std::unique_ptr<QWidget> detailsComission();
+[[nodiscard]] std::unique_ptr<QWidget> errorWithMoney();
 [[nodiscard]] std::unique_ptr<QWidget> committing();
+[[nodiscard]] std::unique_ptr<QWidget> committingError();
 } // namespace FormScenes

@@ -35,9 +35,9 @@ kiosk::PluginIdentity plugin()
     return identity;
 }
 
-kiosk::LedgerEntry payment(kiosk::Outcome outcome, const QString &due, const QString &cash)
+kiosk::LedgerEntry payment(kiosk::Outcome outcome, const QString &due, const QString &cash, const QString &comission)
 {
-    kiosk::Purchase purchase;
+    kiosk::Purchase purchase(FixNumber(100, comission));
     purchase.setDue(due);
     purchase.add(FixNumber(100, cash));
     kiosk::LedgerEntry entry;

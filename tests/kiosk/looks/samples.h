@@ -14,7 +14,9 @@ namespace Samples {
 [[nodiscard]] QDateTime now();
 [[nodiscard]] TrelmInfo terminal();
 [[nodiscard]] kiosk::PluginIdentity plugin();
-[[nodiscard]] kiosk::LedgerEntry payment(kiosk::Outcome outcome, const QString &due, const QString &cash);
+/// @param comission what the terminal takes on top.
+[[nodiscard]] kiosk::LedgerEntry payment(kiosk::Outcome outcome, const QString &due, const QString &cash,
+                                         const QString &comission = {});
 /// One payment of each outcome.
 [[nodiscard]] QVector<kiosk::LedgerEntry> ledger();
 } // namespace Samples

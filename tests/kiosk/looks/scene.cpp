@@ -4,22 +4,15 @@
 
 #include "kiosk/looks/formscenes.h"
 #include "kiosk/looks/samples.h"
-#include "window/brokenscreen.h"
+#include "kiosk/looks/servicescenes.h"
 #include "window/idlescreen.h"
 #include "window/receiptscreen.h"
 #include "window/screens.h"
-#include "window/servicescreen.h"
-
-#include <QGridLayout>
-#include <QLabel>
-#include <QLineEdit>
-#include <QSpinBox>
 
 namespace Scene {
 namespace {
 using kiosk::Outcome;
 using kiosk::Screens;
-using kiosk::ServiceScreen;
 
 std::unique_ptr<Screens> screens()
 {
@@ -42,10 +35,11 @@ std::unique_ptr<QWidget> idleRefused()
     return window;
 }
 
-std::unique_ptr<QWidget> receiptOf(const kiosk::LedgerEntry &payment, bool isRecovered = false)
+std::unique_ptr<QWidget> receiptOf(const kiosk::LedgerEntry &payment, bool isRecovered = false,
+                                   const QString &phone = Samples::terminal().phone)
 {
     auto window = screens();
-    window->receipt().setReceipt({payment, isRecovered, Samples::terminal().address, Samples::terminal().phone}, {});
+    window->receipt().setReceipt({payment, isRecovered, Samples::terminal().address, phone}, {});
     window->showScreen(window->receipt());
     return window;
 }
@@ -70,6 +64,26 @@ std::unique_ptr<QWidget> receiptUnconfirmed()
     return receiptOf(Samples::payment(Outcome::Unconfirmed, "150.00", "150.00"));
 }
 
+std::unique_ptr<QWidget> receiptUnconfirmedPart()
+{
+    return receiptOf(Samples::payment(Outcome::Unconfirmed, "150.00", "100.00"));
+}
+
+std::unique_ptr<QWidget> receiptWithoutAPhone()
+{
+    return receiptOf(Samples::payment(Outcome::Unconfirmed, "150.00", "150.00"), false, QString());
+}
+
+std::unique_ptr<QWidget> receiptComission()
+{
+    return receiptOf(Samples::payment(Outcome::Confirmed, "150.00", "200.00", "5.00"));
+}
+
+std::unique_ptr<QWidget> receiptToReturn()
+{
+    return receiptOf(Samples::payment(Outcome::Confirmed, "0.00", "100.00"));
+}
+
 std::unique_ptr<QWidget> receiptRecovered()
 {
     return receiptOf(Samples::payment(Outcome::Unconfirmed, "150.00", "200.00"), true);
@@ -80,77 +94,6 @@ std::unique_ptr<QWidget> receiptInterrupted()
     return receiptOf(Samples::payment(Outcome::Interrupted, "150.00", "100.00"), true);
 }
 
-/// As plugins lay them out: labels and editors in a grid.
-QWidget *settingsPage()
-{
-    auto *page = new QWidget;
-    auto *grid = new QGridLayout;
-    (new QVBoxLayout(page))->addLayout(grid);
-    const QStringList captions = {QStringLiteral("ИД партнера"),       QStringLiteral("ИД парковки"),
-                                  QStringLiteral("ИД паркомата"),      QStringLiteral("Cash service IP"),
-                                  QStringLiteral("Cash service port"), QStringLiteral("Cash service path")};
-    const QStringList values = {
-        QStringLiteral("dravik"), QStringLiteral("12"), QStringLiteral("0042"), QStringLiteral("localhost"), QString(),
-        QStringLiteral("api")};
-    for (int i = 0; i < captions.size(); ++i) {
-        grid->addWidget(new QLabel(captions.at(i)), i, 0);
-        if (values.at(i).isEmpty()) {
-            auto *port = new QSpinBox;
-            port->setMaximum(65535);
-            port->setValue(13006);
-            grid->addWidget(port, i, 1);
-        } else {
-            grid->addWidget(new QLineEdit(values.at(i)), i, 1);
-        }
-    }
-    return page;
-}
-
-/// The window, with the page that it only borrows.
-class ServiceScene : public Screens
-{
-public:
-    explicit ServiceScene(ServiceScreen::Section section) : Screens(Samples::terminal()), m_page(settingsPage())
-    {
-        service().open(m_page.get(), Samples::plugin(), Samples::ledger(), {});
-        service().showSection(section);
-        showScreen(service());
-    }
-    ~ServiceScene() override { service().leave(); }
-
-private:
-    std::unique_ptr<QWidget> m_page;
-};
-
-std::unique_ptr<QWidget> serviceSettings()
-{
-    auto window = std::make_unique<ServiceScene>(ServiceScreen::Section::Settings);
-    window->service().setStatus(QStringLiteral("Настройки сохранены."));
-    return window;
-}
-
-std::unique_ptr<QWidget> servicePayments()
-{
-    return std::make_unique<ServiceScene>(ServiceScreen::Section::Payments);
-}
-
-std::unique_ptr<QWidget> servicePlugin()
-{
-    return std::make_unique<ServiceScene>(ServiceScreen::Section::Plugin);
-}
-
-std::unique_ptr<QWidget> broken()
-{
-    auto window = screens();
-    kiosk::PluginIdentity plugin = Samples::plugin();
-    plugin.interfaceId = QStringLiteral("org.example.terminal.plugins.other");
-    plugin.qtVersion = QStringLiteral("5.11.3");
-    window->broken().setFailure(
-        QStringLiteral("Плагин другого интерфейса: установите плагин оплаты для этого терминала."), plugin,
-        Samples::terminal());
-    window->showScreen(window->broken());
-    return window;
-}
 } // namespace
 
 const QVector<Row> &all()
@@ -169,17 +112,28 @@ const QVector<Row> &all()
         {QStringLiteral("details-part"), FormScenes::detailsPart},
         {QStringLiteral("details-change"), FormScenes::detailsChange},
         {QStringLiteral("details-nothing-due"), FormScenes::detailsNothingDue},
+        {QStringLiteral("details-to-return"), FormScenes::detailsToReturn},
+        {QStringLiteral("details-comission"), FormScenes::detailsComission},
+        {QStringLiteral("error-with-money"), FormScenes::errorWithMoney},
         {QStringLiteral("committing"), FormScenes::committing},
+        {QStringLiteral("committing-error"), FormScenes::committingError},
         {QStringLiteral("receipt-confirmed"), receiptConfirmed},
         {QStringLiteral("receipt-change"), receiptChange},
         {QStringLiteral("receipt-part"), receiptPart},
         {QStringLiteral("receipt-unconfirmed"), receiptUnconfirmed},
+        {QStringLiteral("receipt-unconfirmed-part"), receiptUnconfirmedPart},
+        {QStringLiteral("receipt-without-a-phone"), receiptWithoutAPhone},
+        {QStringLiteral("receipt-comission"), receiptComission},
+        {QStringLiteral("receipt-to-return"), receiptToReturn},
         {QStringLiteral("receipt-recovered"), receiptRecovered},
         {QStringLiteral("receipt-interrupted"), receiptInterrupted},
-        {QStringLiteral("service-settings"), serviceSettings},
-        {QStringLiteral("service-payments"), servicePayments},
-        {QStringLiteral("service-plugin"), servicePlugin},
-        {QStringLiteral("broken"), broken},
+        {QStringLiteral("service-settings"), ServiceScenes::settings},
+        {QStringLiteral("service-payments"), ServiceScenes::payments},
+        {QStringLiteral("service-payments-none"), ServiceScenes::paymentsNone},
+        {QStringLiteral("service-ledger-fault"), ServiceScenes::ledgerFault},
+        {QStringLiteral("service-plugin"), ServiceScenes::plugin},
+        {QStringLiteral("broken"), ServiceScenes::broken},
+        {QStringLiteral("broken-library"), ServiceScenes::brokenLibrary},
     };
     return rows;
 }

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QSet>
 #include <QTextStream>
 
 // Plays one scenario: a cash service whose clock stands still, the kiosk in a work directory of its own, drawn into
@@ -19,31 +20,70 @@ using kiosk::Outcome;
 
 constexpr int DISAGREEMENT = 3;
 
-/// What the cash service has recorded under the payment's number, in hundredths; 0: nothing.
-qint64 recorded(const QJsonArray &payments, qint64 uid)
+/// What one side knows of a payment and the other should.
+struct Registered
 {
-    qint64 sum = 0;
+    qint64 uid = 0;
+    /// In hundredths.
+    qint64 amount = 0;
+    QString session;
+};
+
+/// The payments that the cash service has taken: not those that it has refused, nor the repetitions of one.
+QVector<Registered> registered(const QJsonArray &payments)
+{
+    QVector<Registered> found;
     for (const QJsonValue &payment : payments) {
-        if (payment[QStringLiteral("uin")].toVariant().toLongLong() == uid &&
-            payment[QStringLiteral("outcome")].toString() == QStringLiteral("registered"))
-            sum += payment[QStringLiteral("amount")].toVariant().toLongLong();
+        if (payment[QStringLiteral("outcome")].toString() == QStringLiteral("registered"))
+            found.append({payment[QStringLiteral("uin")].toVariant().toLongLong(),
+                          payment[QStringLiteral("amount")].toVariant().toLongLong(),
+                          payment[QStringLiteral("sessionId")].toString()});
     }
-    return sum;
+    return found;
 }
 
-QStringList disagreements(const QVector<LedgerEntry> &entries, const QJsonArray &payments)
+/// What is wrong with a payment by itself, and with what the cash service has under its number.
+QStringList disagreements(const LedgerEntry &entry, const QVector<Registered> &registered)
 {
     QStringList found;
+    if (entry.cash != entry.total + entry.change)
+        found.append(QStringLiteral("the cash is not total and change together"));
+    if (entry.outcome == Outcome::Open || entry.outcome == Outcome::Committing)
+        found.append(QStringLiteral("it has no outcome"));
+    qint64 times = 0;
+    for (const Registered &one : registered) {
+        if (one.uid != entry.uid)
+            continue;
+        ++times;
+        if (one.amount != entry.total.value())
+            found.append(QStringLiteral("the cash service has %1 for %2").arg(one.amount).arg(entry.total.value()));
+        if (entry.outcome == Outcome::Interrupted)
+            found.append(QStringLiteral("interrupted, but the cash service has it"));
+    }
+    if (times > 1)
+        found.append(QStringLiteral("the cash service has it %1 times").arg(times));
+    // Where nothing was due nobody was asked.
+    if (times == 0 && entry.outcome == Outcome::Confirmed && entry.total > FixNumber())
+        found.append(QStringLiteral("confirmed, but the cash service does not have it"));
+    for (QString &what : found)
+        what = QStringLiteral("payment %1: %2").arg(entry.uid).arg(what);
+    return found;
+}
+
+/// Both ways: no payment on one side that the other cannot account for.
+QStringList disagreements(const QVector<LedgerEntry> &entries, const QVector<Registered> &registered)
+{
+    QStringList found;
+    QSet<qint64> uids;
     for (const LedgerEntry &entry : entries) {
-        if (entry.cash != entry.total + entry.change)
-            found.append(QStringLiteral("payment %1: the cash is not total and change together").arg(entry.uid));
-        if (entry.outcome == Outcome::Confirmed && recorded(payments, entry.uid) != entry.total.value())
-            found.append(QStringLiteral("payment %1: confirmed, but the cash service has %2 for %3")
-                             .arg(entry.uid)
-                             .arg(recorded(payments, entry.uid))
-                             .arg(entry.total.value()));
-        if (entry.outcome == Outcome::Open || entry.outcome == Outcome::Committing)
-            found.append(QStringLiteral("payment %1 has no outcome").arg(entry.uid));
+        found += disagreements(entry, registered);
+        uids.insert(entry.uid);
+    }
+    for (const Registered &one : registered) {
+        if (!uids.contains(one.uid))
+            found.append(QStringLiteral("the cash service has payment %1, the terminal has not").arg(one.uid));
+        if (one.session.isEmpty())
+            found.append(QStringLiteral("payment %1: registered without a session").arg(one.uid));
     }
     return found;
 }
@@ -73,7 +113,7 @@ int main(int argc, char **argv)
     if (status != 0)
         return status;
     const kiosk::Ledger ledger(WorkDirectory::path() + QStringLiteral("/kiosk.db"));
-    const QStringList found = disagreements(ledger.latest(1000), service.payments());
+    const QStringList found = disagreements(ledger.latest(1000), registered(service.payments()));
     for (const QString &disagreement : found)
         QTextStream(stderr) << disagreement << '\n';
     return found.isEmpty() ? 0 : DISAGREEMENT;

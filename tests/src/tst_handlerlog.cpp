@@ -93,7 +93,7 @@ void runAPayment()
     bench.startWithScreen();
     bench.readCard(HandlerBench::demoCard());
     WAIT_FOR(bench.parameter(QStringLiteral("UIN")), QStringLiteral("uin-1"));
-    bench.commitAnswered({HandlerBench::payment(70'001, 10'000), HandlerBench::payment(70'002, 5'000)});
+    QVERIFY(bench.commitAnswered({HandlerBench::payment(70'001, 10'000), HandlerBench::payment(70'002, 5'000)}));
     QCOMPARE(service.complaint(), QString());
 }
 } // namespace

@@ -143,8 +143,8 @@ private Q_SLOTS:
         Terminal terminal;
         QVERIFY(terminal.giveCard(Source::Reader));
         WAIT_FOR(terminal.due(), QStringLiteral("150.00"));
-        terminal.bench().commitAnswered(
-            {HandlerBench::payment(70'001, 10'000, 100), HandlerBench::payment(70'002, 5'000, 50)});
+        QVERIFY(terminal.bench().commitAnswered(
+            {HandlerBench::payment(70'001, 10'000, 100), HandlerBench::payment(70'002, 5'000, 50)}));
         QCOMPARE(terminal.recorded(), QStringList(QStringLiteral("70001 15150 full 78563412")));
         QCOMPARE(terminal.service().requests(PAY).size(), 1);
     }
@@ -154,13 +154,13 @@ private Q_SLOTS:
         Terminal terminal;
         QVERIFY(terminal.giveCard(Source::Reader));
         WAIT_FOR(terminal.due(), QStringLiteral("150.00"));
-        terminal.bench().commitAnswered({HandlerBench::payment(70'001, 4'000)});
+        QVERIFY(terminal.bench().commitAnswered({HandlerBench::payment(70'001, 4'000)}));
         QCOMPARE(terminal.service().owed(DEMO_UID), 11'000);
 
         terminal.nextCustomer();
         QVERIFY(terminal.giveCard(Source::Hand));
         WAIT_FOR(terminal.due(), QStringLiteral("110.00"));
-        terminal.bench().commitAnswered({HandlerBench::payment(70'002, 11'000)});
+        QVERIFY(terminal.bench().commitAnswered({HandlerBench::payment(70'002, 11'000)}));
         QCOMPARE(terminal.recorded(), QStringList({QStringLiteral("70001 4000 partial 78563412"),
                                                    QStringLiteral("70002 11000 full 78563412")}));
 

@@ -75,7 +75,7 @@ private Q_SLOTS:
         QFETCH(QString, type);
         QFETCH(int, mergeLines);
         const ConfirmedPayment paid;
-        paid.bench.commitAnswered(payments);
+        QVERIFY(paid.bench.commitAnswered(payments));
         const QStringList lines = ::mergeLines();
         QCOMPARE(lines.size(), mergeLines);
         for (const QString &line : lines)
@@ -93,7 +93,7 @@ private Q_SLOTS:
         const ConfirmedPayment paid;
         Payment later(70'002, QDateTime(QDate(2024, 3, 8), QTime(1, 2, 3)), HandlerBench::PROVIDER_ID);
         later.setSumm(FixNumber(100, qint64(100)));
-        paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000), later});
+        QVERIFY(paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000), later}));
         QVERIFY2(paid.sent("DateTime").startsWith(QStringLiteral("2024-03-07T14:05:09")),
                  qPrintable(paid.sent("DateTime")));
     }
@@ -111,8 +111,8 @@ private Q_SLOTS:
         ConfirmedPayment paid;
         Provider other(18'157, QStringLiteral("Другой"));
         paid.handler.start(&other, Currency(), &paid.bench.session());
-        paid.bench.commitAnswered(
-            {HandlerBench::payment(70'001, 15'000), HandlerBench::payment(70'005, 4'000, 0, 18'157)});
+        QVERIFY(paid.bench.commitAnswered(
+            {HandlerBench::payment(70'001, 15'000), HandlerBench::payment(70'005, 4'000, 0, 18'157)}));
         QCOMPARE(paid.sent("Uin"), QStringLiteral("70005"));
         QCOMPARE(paid.sent("Amount"), QStringLiteral("4000"));
     }
@@ -181,7 +181,7 @@ private Q_SLOTS:
         QFETCH(QString, type);
         const ConfirmedPayment paid;
         paid.leaveCheck(left);
-        paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
+        QVERIFY(paid.bench.commitAnswered({HandlerBench::payment(70'001, 15'000)}));
         QCOMPARE(paid.sent("CardUid"), QStringLiteral(""));
         QCOMPARE(paid.sent("CardId"), QStringLiteral(""));
         QCOMPARE(paid.sent("Amount"), QStringLiteral("15000"));
@@ -199,7 +199,7 @@ private Q_SLOTS:
         handler.start(&bench.provider(), Currency(), session.get());
         session.reset();
         service.plan(ScriptedService::pay());
-        bench.commitAnswered({HandlerBench::payment(70'001, 15'000)});
+        QVERIFY(bench.commitAnswered({HandlerBench::payment(70'001, 15'000)}));
         QCOMPARE(service.sent(0, QStringLiteral("CardUid")), QStringLiteral(""));
         QCOMPARE(service.complaint(), QString());
     }
@@ -208,8 +208,8 @@ private Q_SLOTS:
     {
         ConfirmedPayment paid;
         paid.service.plan(ScriptedService::pay());
-        paid.bench.commitAnswered({HandlerBench::payment(70'001, 4'000)});
-        paid.bench.commitAnswered({HandlerBench::payment(70'002, 11'000)});
+        QVERIFY(paid.bench.commitAnswered({HandlerBench::payment(70'001, 4'000)}));
+        QVERIFY(paid.bench.commitAnswered({HandlerBench::payment(70'002, 11'000)}));
         QCOMPARE(paid.service.requests(), 2);
         QCOMPARE(paid.service.sent(1, QStringLiteral("Uin")), QStringLiteral("70002"));
         // What the check left stays as it is.

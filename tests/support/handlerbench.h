@@ -114,7 +114,7 @@ public:
 
     /// commit() with a service that confirms, without the second until the plugin looks for the answer.
     /// @return whether it was the answer that let the host go on.
-    bool commitAnswered(const QList<Payment> &payments) const
+    [[nodiscard]] bool commitAnswered(const QList<Payment> &payments) const
     {
         // The plugin puts the message up before anything can happen.
         const Meanwhile answered({{[this] { return messageText().isEmpty(); }, [] { letPass(1'100); }}});

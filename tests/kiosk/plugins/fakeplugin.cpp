@@ -18,7 +18,7 @@
 #include <unistd.h>
 
 namespace {
-// Outlive the root objects: each customer has another. The last one dies with the library, when static objects are gone.
+// Outlive the root objects: each customer has another. The last one dies with the library, behind all static objects.
 QStringList &calls()
 {
     static auto *const all = new QStringList;

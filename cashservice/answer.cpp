@@ -8,24 +8,22 @@
 
 namespace cash {
 namespace {
-std::string escaped(std::string_view text)
+void appendEscaped(std::string &xml, std::string_view text)
 {
-    std::string result;
     for (const char c : text) {
         if (c == '&')
-            result += "&amp;";
+            xml += "&amp;";
         else if (c == '<')
-            result += "&lt;";
+            xml += "&lt;";
         else if (c == '>')
-            result += "&gt;";
+            xml += "&gt;";
         else if (c == '"')
-            result += "&quot;";
+            xml += "&quot;";
         else if (c == '\r')
-            result += "&#13;"; // else a reader makes a line feed of it
+            xml += "&#13;"; // else a reader makes a line feed of it
         else
-            result += c;
+            xml += c;
     }
-    return result;
 }
 
 std::string encodingName(Encoding encoding)
@@ -37,9 +35,7 @@ std::string encodingName(Encoding encoding)
 
 std::string encoded(const std::string &text, Encoding encoding)
 {
-    if (encoding == Encoding::Windows1251)
-        return windows1251FromUtf8(text);
-    return encoding == Encoding::Utf16 ? utf16FromUtf8(text) : text;
+    return encoding == Encoding::Windows1251 ? windows1251FromUtf8(text) : utf16FromUtf8(text);
 }
 } // namespace
 
@@ -56,13 +52,23 @@ std::string Answer::text(std::string_view name) const
 
 std::string toXml(const Answer &answer, Encoding encoding)
 {
-    std::string xml = "<?xml version=\"1.0\" encoding=\"" + encodingName(encoding) + "\"?>\n<Response";
-    for (const auto &[name, value] : answer.attributes)
-        xml += ' ' + name + "=\"" + escaped(value) + '"';
-    xml += ">\n";
-    for (const auto &[name, value] : answer.fields)
-        xml += "    <" + name + '>' + escaped(value) + "</" + name + ">\n";
-    return encoded(xml + "</Response>\n", encoding);
+    constexpr std::size_t usual = 1'024;
+    std::string xml;
+    xml.reserve(usual);
+    xml.append("<?xml version=\"1.0\" encoding=\"").append(encodingName(encoding)).append("\"?>\n<Response");
+    for (const auto &[name, value] : answer.attributes) {
+        xml.append(" ").append(name).append("=\"");
+        appendEscaped(xml, value);
+        xml.append("\"");
+    }
+    xml.append(">\n");
+    for (const auto &[name, value] : answer.fields) {
+        xml.append("    <").append(name).append(">");
+        appendEscaped(xml, value);
+        xml.append("</").append(name).append(">\n");
+    }
+    xml.append("</Response>\n");
+    return encoding == Encoding::Utf8 ? xml : encoded(xml, encoding);
 }
 
 Answer answerFromXml(const std::string &xml)

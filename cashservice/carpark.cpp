@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <tuple>
 #include <utility>
 
@@ -20,7 +19,7 @@ constexpr std::array<std::pair<CardState, std::string_view>, 7> STATES = {{
     {CardState::Conflict, "conflict"},
 }};
 
-constexpr std::size_t UID_DIGITS = 8;
+constexpr unsigned int UID_DIGITS = 8;
 
 std::uint32_t withBytesReversed(std::uint32_t value)
 {
@@ -55,9 +54,10 @@ const Card *CarPark::find(std::string_view wireUid) const
 
 std::string uidText(std::uint32_t uid)
 {
-    std::array<char, UID_DIGITS + 1> text = {};
-    std::snprintf(text.data(), text.size(), "%08X", uid);
-    return text.data();
+    std::string text;
+    for (unsigned int bits = 4 * UID_DIGITS; bits > 0; bits -= 4)
+        text += "0123456789ABCDEF"[uid >> (bits - 4) & 0xFU];
+    return text;
 }
 
 std::optional<std::uint32_t> uidFromText(std::string_view text)

@@ -157,8 +157,11 @@ ssize_t Connection::read(char *data, std::size_t size)
 bool Connection::isWithinLimits(std::size_t size)
 {
     if (m_headSize == 0) {
+        // cpp-httplib takes a head byte by byte: most of them end nothing.
         const std::size_t searched = m_request.size() - size;
-        const std::size_t end = m_request.find("\r\n\r\n", searched < 3 ? 0 : searched - 3);
+        const bool canEnd = size > 1 || m_request.back() == '\n';
+        const std::size_t end =
+            canEnd ? m_request.find("\r\n\r\n", searched < 3 ? 0 : searched - 3) : std::string::npos;
         if (end != std::string::npos)
             m_headSize = end + 4;
         else if (m_request.size() > m_limits.head)

@@ -46,7 +46,8 @@ Outcome outcomeOf(bool isAmountOther, bool isCardOther)
 } // namespace
 
 Ledger::Ledger(const std::string &path, std::chrono::milliseconds patience)
-    : m_lock(path), m_database(opened(path, patience)),
+    : m_lock(path), m_database(opened(path, patience)), m_begin(m_database, "BEGIN IMMEDIATE"),
+      m_commit(m_database, "COMMIT"),
       m_find(m_database,
              "SELECT amount, card_uid, answer FROM payments WHERE term_id = ? AND session_id = ? AND uin = ?"),
       m_insert(m_database, "INSERT INTO payments (term_id, session_id, uin, card_uid, stay_id, amount, type, paid_at, "
@@ -104,10 +105,12 @@ void Ledger::write(const std::vector<Job *> &jobs)
 
 void Ledger::writeAll(const std::vector<Job *> &jobs, Stays &changed)
 {
-    m_database.run("BEGIN IMMEDIATE");
+    m_begin.finish();
     for (Job *job : jobs)
         job->result = writeOne(*job->payment, changed);
-    m_database.run("COMMIT");
+    for (const auto &[id, stay] : changed)
+        m_saveStay.bind(1, id).bind(2, stay.paid).bind(3, stay.lastPayment.value_or(0)).finish();
+    m_commit.finish();
 }
 
 Registration Ledger::writeOne(const Payment &payment, Stays &changed)
@@ -121,7 +124,7 @@ Registration Ledger::writeOne(const Payment &payment, Stays &changed)
     after.paid = sum(after.paid, payment.request.amount);
     after.lastPayment = payment.receivedAt;
     Registration registration{Outcome::Registered, payment.answer(after)};
-    insert(payment, after, registration.answer);
+    insert(payment, registration.answer);
     log(payment.request, payment.receivedAt, registration.outcome);
     changed[payment.stayId] = after;
     return registration;
@@ -138,14 +141,13 @@ std::optional<Registration> Ledger::earlier(const Request &request)
     return found;
 }
 
-void Ledger::insert(const Payment &payment, const Stay &stay, const std::string &answer)
+void Ledger::insert(const Payment &payment, const std::string &answer)
 {
     const Request &request = payment.request;
     const std::string now = localText(payment.receivedAt);
     m_insert.bind(1, request.termId).bind(2, request.sessionId).bind(3, request.uin);
     m_insert.bind(4, request.cardUid).bind(5, payment.stayId).bind(6, request.amount).bind(7, request.type);
     m_insert.bind(8, request.paidAt).bind(9, now).bind(10, answer).finish();
-    m_saveStay.bind(1, payment.stayId).bind(2, stay.paid).bind(3, payment.receivedAt).finish();
 }
 
 void Ledger::log(const Request &request, Moment receivedAt, Outcome outcome)

@@ -98,7 +98,7 @@ private:
     void writeAll(const std::vector<Job *> &jobs, Stays &changed);
     [[nodiscard]] Registration writeOne(const Payment &payment, Stays &changed);
     [[nodiscard]] std::optional<Registration> earlier(const Request &request);
-    void insert(const Payment &payment, const Stay &stay, const std::string &answer);
+    void insert(const Payment &payment, const std::string &answer);
     void log(const Request &request, Moment receivedAt, Registration::Outcome outcome);
     [[nodiscard]] std::vector<LogRow> rows(const char *sql) const;
 
@@ -107,6 +107,8 @@ private:
     /// Guards the database and the statements.
     mutable std::mutex m_writing;
     mutable Database m_database;
+    Statement m_begin;
+    Statement m_commit;
     Statement m_find;
     Statement m_insert;
     Statement m_saveStay;

@@ -18,6 +18,13 @@ int number(std::string_view text, std::size_t position, std::size_t length)
     return value;
 }
 
+void appendTwoDigits(std::string &text, char before, int number)
+{
+    text += before;
+    text += static_cast<char>('0' + number / 10);
+    text += static_cast<char>('0' + number % 10);
+}
+
 bool hasShape(std::string_view text)
 {
     constexpr std::string_view shape = "0000-00-00T00:00:00";
@@ -54,9 +61,14 @@ std::string localText(Moment moment)
     std::tm fields = {};
     if (localtime_r(&time, &fields) == nullptr)
         return std::string();
-    std::array<char, 64> text = {};
-    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &fields);
-    return std::string(text.data(), length);
+    // strftime() takes several times as long, and an answer has four of them.
+    std::string text = std::to_string(1900L + fields.tm_year);
+    appendTwoDigits(text, '-', fields.tm_mon + 1);
+    appendTwoDigits(text, '-', fields.tm_mday);
+    appendTwoDigits(text, 'T', fields.tm_hour);
+    appendTwoDigits(text, ':', fields.tm_min);
+    appendTwoDigits(text, ':', fields.tm_sec);
+    return text;
 }
 
 std::optional<Moment> momentFromLocalText(std::string_view text)

@@ -131,8 +131,10 @@ Reply Service::answer(const Incoming &incoming, const Wait &wait)
 std::vector<Session> Service::sessions() const
 {
     std::vector<Session> sessions;
-    for (const auto &[uid, card] : m_park.cards)
-        sessions.push_back({card, paidFor(card, m_ledger.stay(card.stayId())), owedFor(card)});
+    for (const auto &[uid, card] : m_park.cards) {
+        const Stay stay = m_ledger.stay(card.stayId());
+        sessions.push_back({card, paidFor(card, stay), owedFor(card, stay)});
+    }
     return sessions;
 }
 
@@ -212,9 +214,10 @@ Answer Service::answerFor(const Request &request, const Card *card) const
 {
     if (const std::optional<Refusal> refusal = refusalOf(card, request.operation))
         return failure(request, *refusal);
+    const Stay stay = m_ledger.stay(card->stayId());
     if (request.operation == Operation::ParkInfoPay)
-        return payAnswer(request, *card, {sum(m_ledger.stay(card->stayId()).paid, request.amount), {}});
-    return owedFor(*card) <= 0 ? failure(request, NOTHING_OWED) : checkAnswer(request, *card);
+        return payAnswer(request, *card, {sum(stay.paid, request.amount), {}});
+    return owedFor(*card, stay) <= 0 ? failure(request, NOTHING_OWED) : checkAnswer(request, *card, stay);
 }
 
 Answer Service::failure(const Request &request, const Refusal &refusal) const
@@ -228,10 +231,9 @@ Answer Service::failure(Operation operation, const std::string &sessionId, int c
             {{"SessionId", sessionId}, {"AnswerTime", localText(m_clock())}, {"ErrorInfo", text}}};
 }
 
-Answer Service::checkAnswer(const Request &request, const Card &card) const
+Answer Service::checkAnswer(const Request &request, const Card &card, const Stay &stay) const
 {
     const Moment now = m_clock();
-    const Stay stay = m_ledger.stay(card.stayId());
     return {attributes(request.operation, 1),
             {{"SessionId", request.sessionId},
              {"ExternalSessionId", card.stayId()},
@@ -239,7 +241,7 @@ Answer Service::checkAnswer(const Request &request, const Card &card) const
              {"StartTime", localText(card.entered)},
              {"AnticipatedStopTime", localText(m_park.tariff.coveredByCharge(card.entered, now))},
              {"LastChangeTime", localText(std::max(card.entered, stay.lastPayment.value_or(card.entered)))},
-             {"TotalCharge", std::to_string(owedFor(card))},
+             {"TotalCharge", std::to_string(owedFor(card, stay))},
              {"AmountSum", std::to_string(paidFor(card, stay))},
              {"CanExtend", "1"},
              {"CanStop", "0"},
@@ -263,9 +265,8 @@ Hundredths Service::paidFor(const Card &card, const Stay &stay) const
     return sum(card.paid, stay.paid);
 }
 
-Hundredths Service::owedFor(const Card &card) const
+Hundredths Service::owedFor(const Card &card, const Stay &stay) const
 {
-    const Hundredths charge = m_park.tariff.charge(card.entered, m_clock());
-    return difference(charge, paidFor(card, m_ledger.stay(card.stayId())));
+    return difference(m_park.tariff.charge(card.entered, m_clock()), paidFor(card, stay));
 }
 } // namespace cash

@@ -87,10 +87,10 @@ private:
     [[nodiscard]] Answer failure(const Request &request, const Refusal &refusal) const;
     [[nodiscard]] Answer failure(Operation operation, const std::string &sessionId, int code,
                                  const std::string &text) const;
-    [[nodiscard]] Answer checkAnswer(const Request &request, const Card &card) const;
+    [[nodiscard]] Answer checkAnswer(const Request &request, const Card &card, const Stay &stay) const;
     [[nodiscard]] Answer payAnswer(const Request &request, const Card &card, const Stay &stay) const;
     [[nodiscard]] Hundredths paidFor(const Card &card, const Stay &stay) const;
-    [[nodiscard]] Hundredths owedFor(const Card &card) const;
+    [[nodiscard]] Hundredths owedFor(const Card &card, const Stay &stay) const;
 
     CarPark m_park;
     Ledger &m_ledger;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "benchmarkcase.h"
 #include "clientfootprint.h"
+#include "clientpace.h"
 #include "clientresponder.h"
 #include "terminal.h"
 
@@ -23,7 +24,8 @@ const char USAGE[] =
     "values-benchmark [Google Benchmark's options]   times every case\n"
     "values-benchmark --list                         group, name, bound of every case, what the bound is of, times\n"
     "values-benchmark --count NAME                   one case, to be counted by callgrind\n"
-    "values-benchmark --clients                      what a thousand clients leave behind\n";
+    "values-benchmark --clients                      what a thousand clients leave behind\n"
+    "values-benchmark --pace                         a payment's second exchange on the clock\n";
 
 BenchmarkCases allCases()
 {
@@ -106,6 +108,8 @@ int run(int argc, char **argv)
         return count(argv[2]);
     if (mode == "--clients" && argc == 2)
         return ClientFootprint::print();
+    if (mode == "--pace" && argc == 2)
+        return ClientPace::print();
     return timeAll(argc, argv);
 }
 } // namespace

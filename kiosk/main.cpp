@@ -162,7 +162,7 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     std::optional<BenchPanel> panel;
     if (!arguments.bench.isEmpty() && !scenario && QGuiApplication::platformName() != QLatin1String("offscreen")) {
         panel.emplace(stage, arguments.bench);
-        panel->move(window.frameGeometry().topRight() + QPoint(1, 0));
+        panel->moveBeside(window);
         panel->show();
     }
     ControlServer control(stage);

@@ -5,7 +5,6 @@
 #include "window/amounttext.h"
 #include "window/outcometext.h"
 #include "window/parts.h"
-#include "window/touchscroll.h"
 
 #include <QGridLayout>
 #include <QVBoxLayout>
@@ -61,10 +60,10 @@ QWidget *row(const LedgerEntry &entry, const Currency &currency)
 }
 } // namespace
 
-LedgerList::LedgerList(QWidget *parent) : QScrollArea(parent)
+LedgerList::LedgerList(QWidget *parent) : TouchScrollArea(new QWidget, parent)
 {
     setObjectName(QStringLiteral("ledgerList"));
-    TouchScroll::prepare(*this);
+    setFrameShape(QFrame::NoFrame);
 }
 
 void LedgerList::setEntries(const QVector<LedgerEntry> &entries, const Currency &currency)

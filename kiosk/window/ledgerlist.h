@@ -3,14 +3,14 @@
 #pragma once
 
 #include "extension/currency.h"
+#include "guiclient/touchscrollarea.h"
 #include "ledger/ledgerentry.h"
 
-#include <QScrollArea>
 #include <QVector>
 
 namespace kiosk {
 /// The latest payments for the service engineer: what came in, what went where, what is owed, and what is not known.
-class LedgerList : public QScrollArea
+class LedgerList : public TouchScrollArea
 {
     Q_OBJECT
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "window/servicescreen.h"
 
+#include "guiclient/touchscrollarea.h"
 #include "window/editornames.h"
 #include "window/facts.h"
 #include "window/ledgerlist.h"
-#include "window/touchscroll.h"
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
@@ -27,14 +27,13 @@ QWidget *atTop(QWidget *page)
 
 ServiceScreen::ServiceScreen(QWidget *parent)
     : QWidget(parent), m_tabs(new QButtonGroup(this)), m_tabLayout(new QHBoxLayout), m_sections(new QStackedWidget),
-      m_settings(new QScrollArea), m_payments(new LedgerList), m_plugin(new Facts), m_status(Parts::label({}, "hint")),
-      m_ledgerFault(Parts::label({}, "noticeDoubtful")),
+      m_settings(new TouchScrollArea(new QWidget)), m_payments(new LedgerList), m_plugin(new Facts),
+      m_status(Parts::label({}, "hint")), m_ledgerFault(Parts::label({}, "noticeDoubtful")),
       m_save(Parts::button(QStringLiteral("Сохранить"), "saveButton", "primary"))
 {
-    TouchScroll::prepare(*m_settings);
-    auto *plugin = new QScrollArea;
-    TouchScroll::prepare(*plugin);
-    plugin->setWidget(atTop(m_plugin));
+    auto *plugin = new TouchScrollArea(atTop(m_plugin));
+    for (TouchScrollArea *area : {m_settings, plugin})
+        area->setFrameShape(QFrame::NoFrame);
     m_tabLayout->setSpacing(12);
     addSection(QStringLiteral("Настройки"), "settingsTab", m_settings);
     addSection(QStringLiteral("Платежи"), "paymentsTab", m_payments);

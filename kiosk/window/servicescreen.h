@@ -8,13 +8,13 @@
 #include "window/parts.h"
 
 #include <QPointer>
-#include <QScrollArea>
 #include <QVector>
 #include <QWidget>
 
 class QButtonGroup;
 class QHBoxLayout;
 class QStackedWidget;
+class TouchScrollArea;
 
 namespace kiosk {
 class Facts;
@@ -59,7 +59,7 @@ private:
     QButtonGroup *m_tabs;
     QHBoxLayout *m_tabLayout;
     QStackedWidget *m_sections;
-    QScrollArea *m_settings;
+    TouchScrollArea *m_settings;
     LedgerList *m_payments;
     Facts *m_plugin;
     QLabel *m_status;

@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 
 using kiosk::BenchPanel;
@@ -156,6 +157,28 @@ private Q_SLOTS:
         desk.type("faultRule", QStringLiteral("nonsense"));
         desk.touch(QStringLiteral("Задать"));
         WAIT_FOR(desk.outcome().startsWith(QLatin1String("nonsense: the cash service: ")), true);
+    }
+
+    void panel_besideTheWindow_isOnTheScreen_data()
+    {
+        QTest::addColumn<int>("windowsRight");
+        QTest::newRow("room beside it") << -400;
+        QTest::newRow("some of the room") << 300;
+        QTest::newRow("no room beside it") << 800;
+    }
+
+    void panel_besideTheWindow_isOnTheScreen()
+    {
+        QFETCH(int, windowsRight);
+        TerminalBench bench;
+        BenchPanel panel({bench.terminal(), bench.window()}, QUrl(QStringLiteral("http://127.0.0.1:1")));
+        const QRect screen = bench.window().screen()->availableGeometry();
+        bench.window().move(screen.left() + windowsRight - bench.window().width(), screen.top() - 5);
+        panel.moveBeside(bench.window());
+        const int room = screen.width() - panel.sizeHint().width();
+        QCOMPARE(panel.x() - screen.left(), qMax(0, qMin(room, windowsRight)));
+        QCOMPARE(panel.y(), screen.top());
+        MessageLog::drop();
     }
 
     void panel_ofItsSize_canBeUsed()

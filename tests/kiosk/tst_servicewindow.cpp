@@ -7,6 +7,9 @@
 #include "window/servicescreen.h"
 
 #include <QApplication>
+#include <QMouseEvent>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 
 using kiosk::Terminal;
@@ -55,6 +58,33 @@ private Q_SLOTS:
         QVERIFY2(text.contains(QStringLiteral("Подтверждение не получено:")), qPrintable(text));
         QVERIFY2(text.contains(QStringLiteral("карта 000123456")), qPrintable(text));
         QVERIFY(!shown.isUp("ledgerFault"));
+    }
+
+    void payments_moreThanFit_areDraggedUnderTheFinger()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        for (int i = 0; i < 8; ++i) {
+            WAIT_FOR(bench.host().isRenewing(), false);
+            bench.showDetails();
+            bench.takeCash("150");
+            bench->pay();
+            WAIT_FOR(bench->screen(), Screen::Receipt);
+            bench->closeReceipt();
+        }
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        shown.touch("paymentsTab");
+        auto *const list = shown.part<QScrollArea>("ledgerList");
+        WAIT_FOR(list->verticalScrollBar()->maximum() > 0, true);
+        auto *const text = list->widget()->findChild<QLabel *>();
+        const QPoint finger = text->rect().center();
+        QTest::mousePress(text, Qt::LeftButton, Qt::NoModifier, finger);
+        QMouseEvent drag(QEvent::MouseMove, finger - QPoint(0, 100), text->mapToGlobal(finger - QPoint(0, 100)),
+                         Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(text, &drag);
+        QCOMPARE(list->verticalScrollBar()->value(), 100);
+        QTest::mouseRelease(text, Qt::LeftButton, Qt::NoModifier, finger);
     }
 
     void save_whereThereIsNothingToSave_isNotOffered()

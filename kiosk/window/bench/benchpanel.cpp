@@ -8,6 +8,9 @@
 
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace kiosk {
 namespace {
@@ -55,6 +58,16 @@ BenchPanel::BenchPanel(const Stage &stage, const QUrl &admin, QWidget *parent)
     // What a card owes changes with each payment.
     connect(&stage.terminal, &Terminal::committingChanged, &m_carPark, &CarPark::ask);
     m_carPark.ask();
+}
+
+void BenchPanel::moveBeside(const QWidget &window)
+{
+    const QRect screen = window.screen()->availableGeometry();
+    const QSize room = sizeHint();
+    const QPoint beside = window.frameGeometry().topRight() + QPoint(1, 0);
+    // The left upper corner counts most: where the panel is larger than the screen that is what must be seen.
+    move(std::max(screen.left(), std::min(beside.x(), screen.right() + 1 - room.width())),
+         std::max(screen.top(), std::min(beside.y(), screen.bottom() + 1 - room.height())));
 }
 
 void BenchPanel::setCards(const QVector<ParkedCard> &cards)

@@ -25,6 +25,9 @@ public:
     /// @param admin the cash service's admin interface, which names the cards.
     BenchPanel(const Stage &stage, const QUrl &admin, QWidget *parent = nullptr);
 
+    /// Puts it to the right of the terminal's window, or as far there as the screen lets all of it be seen.
+    void moveBeside(const QWidget &window);
+
     /// Called when the car park has answered.
     void setCards(const QVector<ParkedCard> &cards);
 

@@ -1,31 +1,51 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
+#include "proxyinuse.h"
 #include "support/testcase.h"
 #include "wireexchange.h"
 
-#include <QNetworkProxy>
+#include <QCryptographicHash>
 
 namespace {
-/// Names a service that only a proxy can reach: Qt never asks a proxy for this machine itself.
-void useDistantService()
+using WireExchange::addColumns;
+using WireExchange::addRow;
+using WireExchange::Kind;
+using WireExchange::KINDS;
+
+const QString NAME = QStringLiteral("name");
+const QString PASSWORD = QStringLiteral("secret");
+const QString REQUIRED = QStringLiteral("error 105 Proxy requires authentication");
+const char BASIC[] = "Proxy-Authenticate: Basic realm=\"r\"";
+const char DIGEST[] = "Proxy-Authenticate: Digest realm=\"r\", nonce=\"n\"";
+const char UNHEARD_OF[] = "Proxy-Authenticate: Unheard-Of realm=\"r\"";
+
+QByteArray urlOf(const QString &operation)
 {
-    useService(80);
-    ParkomatSettings().setCashServiceHost(QStringLiteral("cash.invalid"));
+    return "http://cash.invalid:80/api/" + operation.toUtf8();
 }
 
-/// While it lives, the application's connections go through a proxy on this machine.
-class ProxyInUse
+QByteArray challenge(const QByteArray &header, const QByteArray &body = {})
 {
-public:
-    ProxyInUse(quint16 port, const QString &user, const QString &password)
-    {
-        QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), port, user, password));
-    }
-    ~ProxyInUse() { QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::NoProxy)); }
-    ProxyInUse(const ProxyInUse &) = delete;
-    ProxyInUse &operator=(const ProxyInUse &) = delete;
-};
+    return RawAnswer::http("407 Proxy", body, {header});
+}
+
+QByteArray md5(const QByteArray &text)
+{
+    return QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex();
+}
+
+/// What the right name and password give for DIGEST. Qt counts in the URL's path alone, as towards a service.
+QByteArray digestFor(const QString &operation)
+{
+    return "response=\"" + md5(md5("name:r:secret") + ":n:" + md5("POST:/api/" + operation.toUtf8())) + '"';
+}
+
+void verifyRequest(const RawRequest &request, const QString &operation)
+{
+    QCOMPARE(request.line(), "POST " + urlOf(operation) + " HTTP/1.1");
+    QCOMPARE(request.header("Host"), QList<QByteArray>{"cash.invalid:80"});
+    QCOMPARE(request.body, DOCUMENT.toUtf8());
+}
 } // namespace
 
 /// The client behind an HTTP proxy of the application.
@@ -33,66 +53,145 @@ class ParkomatAccessManagerProxyTest : public TestCase
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void proxy_asksForAName_getsTheConfiguredOne()
+private:
+    /// Posts once through the proxy and verifies that there is one signal, and nothing left of the exchange.
+    static void exchange(const RawServer &proxy, const QString &operation, const QString &seen)
     {
-        RawServer proxy;
-        const QByteArray challenge = RawAnswer::http("407 Proxy", {}, {"Proxy-Authenticate: Basic realm=\"r\""});
-        proxy.plan({challenge});
-        proxy.plan({RawAnswer::http("200 OK", Answers::CHECK)});
+        FreshJournal::make();
         useDistantService();
-        const ProxyInUse inUse(proxy.port(), QStringLiteral("name"), QStringLiteral("secret"));
         ParkomatAccessManager client;
         const ClientProbe probe(client);
-        client.postData(QStringLiteral("ParkingCheck"), DOCUMENT);
-        WAIT_FOR(probe.seen(), QStringList(CHECKED));
-        QCOMPARE(proxy.requests().size(), 2);
-        for (const RawRequest &request : proxy.requests()) {
-            QCOMPARE(request.line(), QByteArray("POST http://cash.invalid:80/api/ParkingCheck HTTP/1.1"));
-            QCOMPARE(request.body, DOCUMENT.toUtf8());
-        }
-        QCOMPARE(proxy.requests().at(1).header("Proxy-Authorization"),
-                 QList<QByteArray>{"Basic " + QByteArray("name:secret").toBase64()});
-        QCOMPARE(proxy.complaint(), QString());
+        client.postData(operation, DOCUMENT);
+        WAIT_FOR(probe.seen().size(), 1);
+        WAIT_FOR(repliesOf(client), 0);
         WAIT_FOR(proxy.openConnections(), 0);
+        QCOMPARE(probe.seen(), QStringList(seen));
+        verifyJournal(seen);
+        for (const RawRequest &request : proxy.requests())
+            verifyRequest(request, operation);
+        QCOMPARE(proxy.complaint(), QString());
         MessageLog::drop();
+    }
+
+private Q_SLOTS:
+    void proxy_asksForAName_getsTheConfiguredOne_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QByteArray>("asked");
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QString>("seen");
+        QTest::addColumn<QByteArray>("authorization");
+        const QByteArray basic = "Basic " + QByteArray("name:secret").toBase64();
+        for (const Kind &kind : KINDS) {
+            const auto row = [&kind](const char *name, const QByteArray &asked, const QByteArray &authorization) {
+                QTest::addRow("%s: %s", kind.name, name)
+                    << kind.operation << asked << kind.body << kind.seen << authorization;
+            };
+            row("basic", challenge(BASIC), basic);
+            row("basic with a good body", challenge(BASIC, kind.body), basic);
+            row("digest", challenge(DIGEST), digestFor(kind.operation));
+            row("digest with a good body", challenge(DIGEST, kind.body), digestFor(kind.operation));
+        }
+    }
+
+    void proxy_asksForAName_getsTheConfiguredOne()
+    {
+        QFETCH(QString, operation);
+        QFETCH(QByteArray, asked);
+        QFETCH(QByteArray, answer);
+        QFETCH(QString, seen);
+        QFETCH(QByteArray, authorization);
+        RawServer proxy;
+        proxy.plan({asked});
+        proxy.plan({RawAnswer::http("200 OK", answer)});
+        const ProxyInUse inUse(proxy.port(), NAME, PASSWORD);
+        exchange(proxy, operation, seen);
+        QCOMPARE(proxy.requests().size(), 2);
+        QCOMPARE(proxy.requests().at(0).header("Proxy-Authorization"), QList<QByteArray>());
+        const QList<QByteArray> told = proxy.requests().at(1).header("Proxy-Authorization");
+        QCOMPARE(told.size(), 1);
+        QVERIFY2(told.constFirst().contains(authorization), told.constFirst());
     }
 
     void proxy_refusesTheName_givesOneError_data()
     {
         QTest::addColumn<QString>("user");
-        QTest::newRow("wrong name") << QStringLiteral("name");
-        QTest::newRow("no name") << QString();
+        QTest::addColumn<QByteArray>("answer");
+        for (const Kind &kind : KINDS) {
+            for (const char *header : {BASIC, DIGEST, UNHEARD_OF, "X: y"}) {
+                QTest::addRow("wrong name, %s, %s", kind.name, header) << NAME << challenge(header, kind.body);
+                QTest::addRow("no name, %s, %s", kind.name, header) << QString() << challenge(header, kind.body);
+            }
+        }
+        QTest::newRow("wrong name, no body") << NAME << challenge(BASIC);
+        QTest::newRow("no name, no body") << QString() << challenge(BASIC);
     }
 
     void proxy_refusesTheName_givesOneError()
     {
         QFETCH(QString, user);
+        QFETCH(QByteArray, answer);
         RawServer proxy;
-        proxy.planForAll({RawAnswer::http("407 Proxy", {}, {"Proxy-Authenticate: Basic realm=\"r\""})});
-        useDistantService();
+        proxy.planForAll({answer});
         const ProxyInUse inUse(proxy.port(), user, QStringLiteral("wrong"));
-        ParkomatAccessManager client;
-        const ClientProbe probe(client);
-        client.postData(QStringLiteral("ParkingCheck"), DOCUMENT);
-        WAIT_FOR(probe.seen(), QStringList(QStringLiteral("error 105 Proxy requires authentication")));
-        QVERIFY2(proxy.requests().size() <= 3, qPrintable(QString::number(proxy.requests().size())));
-        WAIT_FOR(repliesOf(client), 0);
-        WAIT_FOR(proxy.openConnections(), 0);
-        MessageLog::drop();
+        exchange(proxy, QStringLiteral("ParkInfoPay"), REQUIRED);
+        const int times = proxy.requests().size();
+        QVERIFY2(times >= 1 && times <= 3, qPrintable(QString::number(times)));
+    }
+
+    void proxy_answer_givesOneSignal_data()
+    {
+        addColumns();
+        for (const Kind &kind : KINDS) {
+            const QByteArray good = RawAnswer::http("200 OK", kind.body);
+            kind.addAnswer("passed on", good, kind.seen);
+            kind.addAnswer("401 with a good body",
+                           RawAnswer::http("401 Unauthorized", kind.body, {"WWW-Authenticate: Basic realm=\"r\""}),
+                           QStringLiteral("error 204 Host requires authentication"));
+            kind.addAnswer("502 with a good body", RawAnswer::http("502 Bad Gateway", kind.body),
+                           QStringLiteral("error 499 Error transferring %1 - server replied: Bad Gateway"));
+            kind.addRow("closed in the body", {good.chopped(5), Then::Close}, CLOSED);
+            kind.addRow("reset in the body", {good.chopped(5), Then::Reset}, CLOSED);
+        }
+        const QByteArray status = QByteArrayLiteral("HTTP/1.1 200 OK\r\n");
+        addRow("closed before the head", {{}, Then::Close}, CLOSED, SENT_AGAIN);
+        addRow("reset before the head", {{}, Then::Reset}, CLOSED, SENT_AGAIN);
+        addRow("closed in the head", {status + "Content-Le", Then::Close}, CLOSED, SENT_AGAIN);
+        addRow("reset in the head", {status + "Content-Le", Then::Reset}, CLOSED, SENT_AGAIN);
+        addRow("closed behind the head", {status + "Content-Length: 10\r\n\r\n", Then::Close}, CLOSED);
+        addRow("reset behind the head", {status + "Content-Length: 10\r\n\r\n", Then::Reset}, CLOSED);
+        addRow("closed in the head of a challenge", {challenge(BASIC).chopped(2), Then::Close}, CLOSED, SENT_AGAIN);
+    }
+
+    void proxy_answer_givesOneSignal()
+    {
+        QFETCH(QString, operation);
+        QFETCH(RawAnswer, answer);
+        QFETCH(QString, seen);
+        QFETCH(int, mostTimes);
+        RawServer proxy;
+        proxy.planForAll(answer);
+        const ProxyInUse inUse(proxy.port(), NAME, PASSWORD);
+        exchange(proxy, operation,
+                 seen.contains(QLatin1String("%1")) ? seen.arg(QString::fromUtf8(urlOf(operation))) : seen);
+        const int times = proxy.requests().size();
+        QVERIFY2(times >= (mostTimes > 1 ? 2 : 1) && times <= mostTimes, qPrintable(QString::number(times)));
     }
 
     void proxy_refused_givesOneError()
     {
         // Qt's code for a refused connection, not the one for a refused proxy.
         const RefusingPort port;
+        FreshJournal::make();
         useDistantService();
-        const ProxyInUse inUse(port.number(), QString(), QString());
+        const ProxyInUse inUse(port.number());
         ParkomatAccessManager client;
         const ClientProbe probe(client);
-        client.postData(QStringLiteral("ParkingCheck"), DOCUMENT);
+        client.postData(QStringLiteral("ParkInfoPay"), DOCUMENT);
         WAIT_FOR(probe.seen().size(), 1);
+        WAIT_FOR(repliesOf(client), 0);
         QCOMPARE(probe.seen(), QStringList(QStringLiteral("error 1 Connection refused")));
+        verifyJournal(probe.seen().constFirst());
         MessageLog::drop();
     }
 };

@@ -39,10 +39,15 @@ inline QByteArray chunked(const QByteArray &body, int chunkSize)
     return bytes + "0\r\n\r\n";
 }
 
-/// Only what was seen as a registered payment may have advanced the journal, which was a FreshJournal before.
+/// Only what was seen as a registered payment may have advanced the journal, and once; it was a FreshJournal before.
+/// Takes the log.
 inline void verifyJournal(const QString &seen)
 {
     QCOMPARE(!FreshJournal::isThere(), seen.startsWith(QLatin1String("pay")));
+    // A second advance finds no record any more, and says so.
+    const QList<LogLine> lines = MessageLog::take();
+    for (const LogLine &line : lines)
+        QVERIFY2(line.file != QLatin1String("src/parkomatdatastorage.cpp"), qPrintable(toString(line)));
 }
 
 inline int repliesOf(const ParkomatAccessManager &client)

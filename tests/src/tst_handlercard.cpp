@@ -39,6 +39,14 @@ QString keyboard(const HandlerBench &bench)
     return characters;
 }
 
+/// What is typed can be read, on a screen of the viewer's usual name without a hint.
+void verifyPlainInput(const HandlerBench &bench)
+{
+    QCOMPARE(bench.topView(), QStringLiteral("inputView"));
+    QCOMPARE(bench.part<QLineEdit>("inputLine")->echoMode(), QLineEdit::Normal);
+    QVERIFY(bench.part<QLabel>("inputHint") == nullptr);
+}
+
 /// Whether a visible label of the view on top says so.
 bool isShown(const HandlerBench &bench, const QString &text)
 {
@@ -227,9 +235,11 @@ private Q_SLOTS:
         QCOMPARE(bench.buttons(), QStringLiteral("next back"));
         QCOMPARE(keyboard(bench), QStringLiteral("1234567890"));
         QCOMPARE(bench.text<QLineEdit>("inputLine"), QString());
+        verifyPlainInput(bench);
         QVERIFY(controllers(handler).isEmpty());
         QVERIFY(bench.type(QStringLiteral("0000123456")));
         QVERIFY(isShown(bench, QStringLiteral("Введите UID карты")));
+        verifyPlainInput(bench);
         QVERIFY2(keyboard(bench).contains(QStringLiteral("ABCDEF")), qPrintable(keyboard(bench)));
         QCOMPARE(bench.text<QLineEdit>("inputLine"), QString());
         QCOMPARE(inputControllers(handler), 1);

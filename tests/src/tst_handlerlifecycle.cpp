@@ -8,24 +8,8 @@
 #include "scriptedpayment.h"
 
 #include <QApplication>
-#include <QSignalSpy>
 
 namespace {
-/// What a host hands over for the bus: where messages go to, and where they come from.
-class Bus : public QObject
-{
-    Q_OBJECT
-
-public:
-    QStringList types;
-
-Q_SIGNALS:
-    void arrived(const QString &type, const QVariantMap &message);
-
-public Q_SLOTS:
-    void send(const QString &type, const QVariantMap & /*message*/) { types.append(type); }
-};
-
 const QString BUS_MESSAGE = QStringLiteral("tarvSchoolCardPluginRequest");
 
 } // namespace
@@ -65,31 +49,24 @@ private Q_SLOTS:
         QCOMPARE(bench.form()->info().phone, info.phone);
     }
 
-    void start_receiverAndSender_areTheForms()
+    void start_providerAndCurrency_areTheForms()
     {
         ParkomatPluginHandler handler;
         HandlerBench bench(&handler);
-        Bus bus;
-        QVERIFY(handler.setMessageReciever(&bus, SLOT(send(QString, QVariantMap))));
-        QVERIFY(handler.setMessageSender(&bus, SIGNAL(arrived(QString, QVariantMap))));
-        bench.start();
-        const QSignalSpy received(bench.form(), &PluginBaseFormViewer::messageReceived);
-        Q_EMIT bench.form()->message(QStringLiteral("toTheBus"), {});
-        Q_EMIT bus.arrived(BUS_MESSAGE, {});
-        QCOMPARE(bus.types, QStringList(QStringLiteral("toTheBus")));
-        QCOMPARE(received.size(), 1);
-    }
-
-    void start_receiverAndSenderGone_isWithoutThem()
-    {
-        ParkomatPluginHandler handler;
-        HandlerBench bench(&handler);
-        auto bus = std::make_unique<Bus>();
-        handler.setMessageReciever(bus.get(), SLOT(send(QString, QVariantMap)));
-        handler.setMessageSender(bus.get(), SIGNAL(arrived(QString, QVariantMap)));
-        bus.reset();
-        bench.start();
-        QVERIFY(bench.hasForm());
+        const auto sumDue = [&](const QString &amount, const Currency &currency) {
+            bench.newPayment();
+            ProviderParameter due;
+            due.setName(QStringLiteral("SummToPay"));
+            due.setValue(amount);
+            bench.provider().setParameters({due});
+            IPayWidget *const form = handler.start(&bench.provider(), currency, &bench.session());
+            auto *const viewer = qobject_cast<PluginBaseFormViewer *>(form->widget());
+            viewer->showPayDetail();
+            return viewer->findChild<QLabel *>(QStringLiteral("sumDue"))->text();
+        };
+        QCOMPARE(sumDue(QStringLiteral("150.00"), {978, QStringLiteral("евро"), 2}), QStringLiteral("150.00 евро"));
+        handler.stop();
+        QCOMPARE(sumDue(QStringLiteral("9.90"), {398, QStringLiteral("тенге"), 2}), QStringLiteral("9.90 тенге"));
     }
 
     void start_repeated_reusesTheFormUnchanged()
@@ -285,6 +262,14 @@ private Q_SLOTS:
             handler.stop();
         }
         QCOMPARE(service.complaint(), QString());
+    }
+
+    void formTemplate_anyName_isEmpty()
+    {
+        ParkomatPluginHandler handler;
+        QCOMPARE(handler.pluginFormTemplate(QString(), QString()), QVariantMap());
+        QCOMPARE(handler.pluginFormTemplate(QStringLiteral("tarvSchoolCardPlugin"), QStringLiteral("form")),
+                 QVariantMap());
     }
 
     void settingsWidget_whileItLives_isTheSame()

@@ -285,6 +285,46 @@ private Q_SLOTS:
         QCOMPARE(controllers(handler), QList<MessageWidgetController *>{second.data()});
     }
 
+    void button_ofAPromptOrAnError_takesTheMessageOffAtOnce()
+    {
+        ParkomatPluginHandler handler;
+        HandlerBench bench(&handler);
+        bench.startWithScreen();
+        QVERIFY(bench.press("cancel"));
+        QCOMPARE(bench.topView(), QString());
+        handler.parkomatAccessManagerErrorHandler(errorMap(QStringLiteral("error")));
+        QCOMPARE(bench.topView(), QStringLiteral("messagesView"));
+        QVERIFY(bench.press("ok"));
+        QCOMPARE(bench.topView(), QString());
+    }
+
+    // Its viewer is what goes, and the view with it.
+    void button_ofTheQuestion_leavesItsViewUp()
+    {
+        ParkomatPluginHandler handler;
+        HandlerBench bench(&handler);
+        bench.start();
+        handler.permitCancel();
+        const FormViewer *const helper = handler.helperViewer();
+        QVERIFY(bench.press("no"));
+        QCOMPARE(helper->currentView(), QStringLiteral("messagesView"));
+    }
+
+    void tick_ofAMessageThatIsNoWait_feedsNothing()
+    {
+        ParkomatPluginHandler handler;
+        HandlerBench bench(&handler);
+        bench.startWithScreen();
+        Q_EMIT controllers(handler).constFirst()->tick();
+        handler.parkomatAccessManagerErrorHandler(errorMap(QStringLiteral("error")));
+        Q_EMIT controllers(handler).constFirst()->tick();
+        handler.permitCancel();
+        QCOMPARE(controllers(handler).size(), 2);
+        for (MessageWidgetController *controller : controllers(handler))
+            Q_EMIT controller->tick();
+        QCOMPARE(bench.takeSignals(), QStringList());
+    }
+
     void question_whileMessageCloses_isIndependentOfIt()
     {
         ParkomatPluginHandler handler;

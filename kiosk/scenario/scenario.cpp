@@ -64,10 +64,15 @@ Scenario readScenario(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw ScenarioError({QStringLiteral("%1: %2").arg(path, file.errorString())});
+    return readScenario(file.readAll(), path);
+}
+
+Scenario readScenario(const QByteArray &text, const QString &path)
+{
     Scenario scenario;
     scenario.path = path;
     YamlReader reader;
-    parse(file.readAll(), path, reader, [&](const YAML::Node &node) { readFile(node, reader, scenario); });
+    parse(text, path, reader, [&](const YAML::Node &node) { readFile(node, reader, scenario); });
     return scenario;
 }
 

@@ -47,6 +47,8 @@ struct Scenario
 
 /// Reads a scenario from YAML; ../scenarios has some. @throw ScenarioError with all mistakes at once.
 [[nodiscard]] Scenario readScenario(const QString &path);
+/// The same of what a file holds. @param path whose mistakes they are.
+[[nodiscard]] Scenario readScenario(const QByteArray &text, const QString &path);
 /// Reads one step: "press: ok". @param source whose mistakes they are, in place of a file's name.
 /// @throw ScenarioError
 [[nodiscard]] Step readStep(const QString &text, const QString &source);

@@ -7,6 +7,14 @@
 #include <algorithm>
 
 namespace kiosk {
+namespace {
+/// What the file has in a value may have line ends; a mistake is a line.
+QString oneLine(QString text)
+{
+    return text.replace(QLatin1Char('\n'), QStringLiteral("\\n")).replace(QLatin1Char('\r'), QStringLiteral("\\r"));
+}
+} // namespace
+
 QString scalarText(const YAML::Node &node)
 {
     return node.IsScalar() ? QString::fromStdString(node.Scalar()) : QString();
@@ -24,8 +32,9 @@ QStringList YamlReader::mistakes(const QString &source) const
     std::stable_sort(sorted.begin(), sorted.end());
     QStringList lines;
     for (const Mistake &mistake : qAsConst(sorted))
-        lines.append(QStringLiteral("%1:%2:%3: %4")
-                         .arg(source, QString::number(mistake.line), QString::number(mistake.column), mistake.text));
+        lines.append(
+            QStringLiteral("%1:%2:%3: %4")
+                .arg(source, QString::number(mistake.line), QString::number(mistake.column), oneLine(mistake.text)));
     return lines;
 }
 

@@ -156,12 +156,6 @@ inline Behaviour refuses(const Judgement &isRefused)
     };
 }
 
-/// Takes a value that is malformed.
-inline Behaviour takesValue(const std::string &name, const std::string &value)
-{
-    return takes([=](const Post &post) { return element(post.body, name) == value; });
-}
-
 /// Lets one request in at a time; the state may be captured in the behaviour then.
 inline Behaviour oneByOne(const Behaviour &behaviour)
 {

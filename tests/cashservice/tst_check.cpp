@@ -1,37 +1,15 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "check/check.h"
 #include "checkbreaktable.h"
+#include "checkrun.h"
 #include "checkserviceprocess.h"
+#include "checksituations.h"
 #include "support/testcase.h"
 #include "support/zone.h"
 
 #include <QSet>
 
-#include <sstream>
-
 namespace {
-struct Outcome
-{
-    int status = -1;
-    QStringList lines;
-};
-
-CheckOptions optionsFor(const std::string &url)
-{
-    CheckOptions options;
-    options.url = url;
-    options.payInFull = true;
-    return options;
-}
-
-Outcome check(const CheckOptions &options)
-{
-    std::ostringstream out;
-    const int status = runCheck(options, out);
-    return {status, QString::fromStdString(out.str()).trimmed().split(QLatin1Char('\n'))};
-}
-
 /// The program, started as a user would.
 Outcome checkProgram(const QStringList &arguments)
 {
@@ -40,23 +18,6 @@ Outcome checkProgram(const QStringList &arguments)
     const bool hasEnded = process.waitForFinished() && process.exitStatus() == QProcess::NormalExit;
     return {hasEnded ? process.exitCode() : -1,
             QString::fromUtf8(process.readAllStandardOutput()).trimmed().split(QLatin1Char('\n'))};
-}
-
-QStringList broken(const Outcome &outcome)
-{
-    const QString word = QStringLiteral("breaks  ");
-    QStringList names;
-    for (const QString &line : outcome.lines) {
-        if (line.startsWith(word))
-            names.append(line.mid(word.size()));
-    }
-    names.sort();
-    return names;
-}
-
-QString result(std::size_t holding, std::size_t all)
-{
-    return QStringLiteral("RESULT: %1 of %2 checks hold").arg(holding).arg(all);
 }
 
 QStringList curlLines(const Outcome &outcome)
@@ -161,6 +122,8 @@ private Q_SLOTS:
         QSet<QString> broken;
         for (const ServiceBreak &serviceBreak : serviceBreaks())
             broken.insert(QString::fromStdString(serviceBreak.rule));
+        for (const Situations::Situation &situation : Situations::all())
+            broken.insert(QString::fromStdString(situation.rule));
         QSet<QString> names;
         for (const std::string &name : checkNames(optionsFor({})))
             names.insert(QString::fromStdString(name));

@@ -53,8 +53,8 @@ extern "C" int bind(int socket, const sockaddr *address, socklen_t) noexcept
     sockaddr_in6 v6 = {};
     v6.sin6_family = AF_INET6;
     v6.sin6_addr = {{{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff, 127, 0, 0, 1}}};
-    const int result = address->sa_family == AF_INET6 ? reallyBind(socket, &v6, sizeof v6)
-                                                      : reallyBind(socket, &v4, sizeof v4);
+    const int result =
+        address->sa_family == AF_INET6 ? reallyBind(socket, &v6, sizeof v6) : reallyBind(socket, &v4, sizeof v4);
     std::cout << ASKED_FOR << textOf(address) << " got " << portOf(socket) << std::endl;
     return result;
 }

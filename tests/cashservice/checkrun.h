@@ -7,7 +7,10 @@
 #include <QString>
 #include <QStringList>
 
+#include <mutex>
+#include <ostream>
 #include <sstream>
+#include <string>
 
 /// What a check has said of a service.
 struct Outcome
@@ -24,11 +27,40 @@ inline CheckOptions optionsFor(const std::string &url)
     return options;
 }
 
+/// What a check writes, which can be asked while it is running: each check is flushed as soon as it is made.
+class CheckOutput : public std::stringbuf
+{
+public:
+    [[nodiscard]] bool hasLine(const std::string &line) const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_flushed.find(line + "\n") != std::string::npos;
+    }
+
+protected:
+    int sync() override
+    {
+        const std::lock_guard lock(m_mutex);
+        m_flushed = str();
+        return 0;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::string m_flushed;
+};
+
+inline Outcome check(const CheckOptions &options, CheckOutput &output)
+{
+    std::ostream out(&output);
+    const int status = runCheck(options, out);
+    return {status, QString::fromStdString(output.str()).trimmed().split(QLatin1Char('\n'))};
+}
+
 inline Outcome check(const CheckOptions &options)
 {
-    std::ostringstream out;
-    const int status = runCheck(options, out);
-    return {status, QString::fromStdString(out.str()).trimmed().split(QLatin1Char('\n'))};
+    CheckOutput output;
+    return check(options, output);
 }
 
 /// The names of the checks that do not hold, sorted.

@@ -317,27 +317,27 @@ inline Behaviour chargesForAsking()
 }
 
 /// Looks for an earlier payment when a request comes and keeps the payment when it is answered: two at once are two.
-inline Behaviour racesWithItself()
+/// @param areAtOnce whether payments come several times at once now: the first of them is held until another comes.
+inline Behaviour racesWithItself(const std::function<bool()> &areAtOnce)
 {
     struct State
     {
         std::mutex mutex;
         std::condition_variable anotherCame;
-        std::map<std::string, int> underWay;
+        int came = 0;
     };
-    return [state = std::make_shared<State>()](const Post &post, const Forward &forward) {
-        constexpr std::chrono::milliseconds TIME_TO_ANSWER(60);
+    return [=, state = std::make_shared<State>()](const Post &post, const Forward &forward) {
+        constexpr std::chrono::minutes LIMIT(1);
+        if (!isPayment(post) || !areAtOnce())
+            return forward(post);
         std::unique_lock<std::mutex> lock(state->mutex);
-        int &underWay = state->underWay[post.body];
-        const bool isFirst = ++underWay == 1;
-        state->anotherCame.notify_all();
-        lock.unlock();
-        Reply reply = forward(isFirst || !isPayment(post) ? post : asAnother(post));
-        lock.lock();
-        if (isFirst && isPayment(post) && isSuccess(reply))
-            state->anotherCame.wait_for(lock, TIME_TO_ANSWER, [&] { return underWay > 1; });
-        --underWay;
-        return reply;
+        if (++state->came > 1) {
+            state->anotherCame.notify_all();
+            lock.unlock();
+            return forward(asAnother(post));
+        }
+        state->anotherCame.wait_for(lock, LIMIT, [&] { return state->came > 1; });
+        return forward(post);
     };
 }
 

@@ -9,7 +9,11 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace {
+const std::string AT_ONCE = "The same payment on four connections at once is one payment, confirmed on each";
+
 /// The program, started as a user would.
 Outcome checkProgram(const QStringList &arguments)
 {
@@ -117,9 +121,26 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 1);
     }
 
+    void check_serviceThatRacesWithItself_breaksItsRule()
+    {
+        const std::vector<std::string> names = checkNames({});
+        const auto itself = std::find(names.begin(), names.end(), AT_ONCE);
+        QVERIFY(itself != names.begin() && itself != names.end());
+        const std::string before = "holds   " + *std::prev(itself);
+        const std::string after = "breaks  " + *itself;
+        CheckOutput output;
+        const ServiceProcess real;
+        const BrokenService service(real.origin(), ServiceBreaks::racesWithItself([&] {
+                                        return output.hasLine(before) && !output.hasLine(after);
+                                    }));
+        const Outcome outcome = check(optionsFor(service.url()), output);
+        QCOMPARE(broken(outcome), QStringList(QString::fromStdString(AT_ONCE)));
+        QCOMPARE(outcome.status, 1);
+    }
+
     void checks_each_isBrokenBySomething()
     {
-        QSet<QString> broken;
+        QSet<QString> broken = {QString::fromStdString(AT_ONCE)};
         for (const ServiceBreak &serviceBreak : serviceBreaks())
             broken.insert(QString::fromStdString(serviceBreak.rule));
         for (const Situations::Situation &situation : Situations::all())

@@ -1,15 +1,18 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
+#include "connectionthreads.h"
 #include "httpclient.h"
 #include "requests.h"
 #include "runningservice.h"
 #include "support/testcase.h"
+#include "support/waiting.h"
 #include "support/zone.h"
 
 #include <QDir>
 
 #include <array>
 #include <atomic>
+#include <future>
 #include <iostream>
 #include <map>
 #include <mutex>
@@ -67,6 +70,10 @@ cash::Limits fewConnections(int connections)
     limits.connections = connections;
     return limits;
 }
+
+constexpr int MANY = 5'000;
+/// Their answers are more than the system keeps for the service.
+const QByteArray MORE_THAN_FITS = HttpClient::request("GET", "/admin/sessions", "").repeated(MANY);
 
 /// A client that sends and does not read: its system takes next to nothing for it.
 class DeafClient
@@ -205,7 +212,18 @@ private Q_SLOTS:
         verifyStillServes(service);
     }
 
-    void client_thatReadsNothing_holdsUpNobodyAndIsPutOff()
+    void client_thatReadsNothing_holdsUpNobody()
+    {
+        RunningService service(withoutHurry());
+        DeafClient client(service.port());
+        QVERIFY(client.isConnected());
+        QVERIFY(client.send(MORE_THAN_FITS));
+        verifyStillServes(service);
+        // Nor the end.
+        service.stop();
+    }
+
+    void client_thatReadsNothing_isPutOff()
     {
         cash::Limits limits;
         limits.request = std::chrono::seconds(2);
@@ -214,13 +232,11 @@ private Q_SLOTS:
         const int threads = threadsOfThisProcess();
         DeafClient client(service.port());
         QVERIFY(client.isConnected());
-        // Their answers are more than the system keeps for the service.
-        constexpr int requests = 5'000;
-        QVERIFY(client.send(HttpClient::request("GET", "/admin/sessions", "").repeated(requests)));
-        verifyStillServes(service);
-        QTRY_COMPARE_WITH_TIMEOUT(threadsOfThisProcess(), threads, 60'000);
+        QVERIFY(client.send(MORE_THAN_FITS));
+        WAIT_FOR(threadsOfThisProcess() > threads, true);
+        WAIT_FOR(threadsOfThisProcess(), threads);
         const int answers = client.readToEnd().count("HTTP/1.1 200 OK");
-        QVERIFY2(answers > 0 && answers < requests, qPrintable(QString::number(answers)));
+        QVERIFY2(answers > 0 && answers < MANY, qPrintable(QString::number(answers)));
     }
 
     void connections_beyondTheLimit_areRefusedAndLaterServed()
@@ -307,19 +323,25 @@ private Q_SLOTS:
 
     void threads_withoutAConnection_endAfterTheIdleTime()
     {
-        const RunningService service(shortIdleness());
+        constexpr int connections = 20;
+        std::atomic<int> served = 0;
+        std::promise<void> end;
+        const std::shared_future<void> isOver = end.get_future().share();
         const int before = threadsOfThisProcess();
-        std::vector<std::unique_ptr<HttpClient>> clients;
-        for (int i = 0; i < 20; ++i) {
-            clients.push_back(std::make_unique<HttpClient>(service.port()));
-            clients.back()->send(HttpClient::request("GET", "/admin", ""));
-            QCOMPARE(clients.back()->read().status, 200);
-        }
-        QVERIFY(threadsOfThisProcess() > before);
-        clients.clear();
-        constexpr int limit = 30'000;
-        QTRY_COMPARE_WITH_TIMEOUT(threadsOfThisProcess(), before, limit);
-        verifyStillServes(service);
+        cash::ConnectionThreads threads(
+            [&served, isOver](int) {
+                ++served;
+                isOver.wait();
+            },
+            std::chrono::milliseconds(1));
+        for (int i = 0; i < connections; ++i)
+            QVERIFY(threads.take(i));
+        WAIT_FOR(served.load(), connections);
+        QCOMPARE(threadsOfThisProcess(), before + connections);
+        end.set_value();
+        WAIT_FOR(threadsOfThisProcess(), before);
+        QVERIFY(threads.take(connections));
+        WAIT_FOR(served.load(), connections + 1);
     }
 
     void stop_whileClientsAreConnected_endsAtOnce()

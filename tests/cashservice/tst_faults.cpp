@@ -5,6 +5,7 @@
 #include "requests.h"
 #include "runningservice.h"
 #include "support/testcase.h"
+#include "support/waiting.h"
 #include "support/zone.h"
 
 #include <QElapsedTimer>
@@ -318,7 +319,7 @@ private Q_SLOTS:
         service.setFault("ParkingCheck#1:delay=1h");
         HttpClient waiting(service.port());
         waiting.send(HttpClient::request("POST", "/api/ParkingCheck", Requests::parkingCheck()));
-        QTRY_COMPARE(service.struck(), std::uint64_t(1));
+        WAIT_FOR(service.struck(), std::uint64_t(1));
         QCOMPARE(resultCode(post(service, "ParkingCheck")), QByteArray("1"));
         service.stop();
         QCOMPARE(waiting.read().status, 200);
@@ -330,7 +331,7 @@ private Q_SLOTS:
         service.setFault("ParkInfoPay@after:delay=1h");
         HttpClient waiting(service.port());
         waiting.send(HttpClient::request("POST", "/api/ParkInfoPay", Requests::parkInfoPay()));
-        QTRY_COMPARE(service.ledger().payments().size(), std::size_t(1));
+        WAIT_FOR(service.ledger().payments().size(), std::size_t(1));
     }
 
     void delay_before_keepsThePaymentFromBeingRecorded()
@@ -339,7 +340,7 @@ private Q_SLOTS:
         service.setFault("ParkInfoPay@before:delay=1h");
         HttpClient waiting(service.port());
         waiting.send(HttpClient::request("POST", "/api/ParkInfoPay", Requests::parkInfoPay()));
-        QTRY_COMPARE(service.struck(), std::uint64_t(1));
+        WAIT_FOR(service.struck(), std::uint64_t(1));
         QVERIFY(service.ledger().payments().empty());
         service.stop();
         QCOMPARE(service.ledger().payments().size(), std::size_t(1));

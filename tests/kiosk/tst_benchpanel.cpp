@@ -87,6 +87,17 @@ private Q_SLOTS:
             QVERIFY2(desk.button(uid) != nullptr, qPrintable(uid));
     }
 
+    // The one that a newcomer takes.
+    void cards_first_isTheOneOfTheDemo()
+    {
+        Desk desk;
+        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        int demo = desk.button(QStringLiteral("12345678"))->y();
+        const QStringList others = {QStringLiteral("10000000"), QStringLiteral("10000006"), QStringLiteral("10000009")};
+        for (const QString &uid : others)
+            QVERIFY2(desk.button(uid)->y() > demo, qPrintable(uid));
+    }
+
     void cards_withoutAService_sayWhy()
     {
         TerminalBench bench;

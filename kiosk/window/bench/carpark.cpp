@@ -8,6 +8,8 @@
 #include <QNetworkProxy>
 #include <QNetworkReply>
 
+#include <algorithm>
+
 namespace kiosk {
 namespace {
 ParkedCard card(const QJsonObject &session)
@@ -16,7 +18,15 @@ ParkedCard card(const QJsonObject &session)
     made.uid = session.value(QStringLiteral("uid")).toString();
     made.note = session.value(QStringLiteral("note")).toString();
     made.owed = FixNumber(100, static_cast<qint64>(session.value(QStringLiteral("owed")).toDouble()));
+    made.isPayable = session.value(QStringLiteral("state")).toString() == QLatin1String("parked");
     return made;
+}
+
+bool comesBefore(const ParkedCard &card, const ParkedCard &other)
+{
+    if (card.isPayable != other.isPayable)
+        return card.isPayable;
+    return card.uid > other.uid;
 }
 } // namespace
 
@@ -64,6 +74,7 @@ void CarPark::take(QNetworkReply &reply)
     const QJsonArray all = sessions.toArray();
     for (const QJsonValue &session : all)
         cards.append(card(session.toObject()));
+    std::sort(cards.begin(), cards.end(), comesBefore);
     Q_EMIT answered(cards);
 }
 } // namespace kiosk

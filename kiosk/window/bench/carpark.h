@@ -19,6 +19,8 @@ struct ParkedCard
     /// What the service says about it.
     QString note;
     FixNumber owed;
+    /// Whether it can be paid for: the service has no other answer in store for it.
+    bool isPayable = false;
 
     /// What a card reader reads of it: "id", "cardId" and "pdata".
     [[nodiscard]] QVariantMap read() const;
@@ -37,6 +39,8 @@ public:
     void ask();
 
 Q_SIGNALS:
+    /// @param cards those that can be paid for first, and among each kind the highest number: the car park that the
+    /// service brings along has its more usual cards there.
     void answered(const QVector<ParkedCard> &cards);
     /// @param reason for people.
     void failed(const QString &reason);

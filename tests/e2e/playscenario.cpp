@@ -6,13 +6,15 @@
 #include "support/workdirectory.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSet>
 #include <QTextStream>
 
 // Plays one scenario: a cash service whose clock stands still, the kiosk in a work directory of its own, drawn into
-// memory. Behind the scenario the terminal's ledger is held against the cash service's. Exit status: the kiosk's, or 3
-// where the ledgers do not agree.
+// memory. Behind the scenario the terminal's ledger is held against the cash service's, and what went over the wire
+// against wire.txt. Exit status: the kiosk's, or 3 where they do not agree.
 
 namespace {
 using kiosk::LedgerEntry;
@@ -88,6 +90,30 @@ QStringList disagreements(const QVector<LedgerEntry> &entries, const QVector<Reg
     return found;
 }
 
+/// What wire.txt asks of the scenario's requests, and they have not.
+QStringList missingOnTheWire(const QString &scenario, const CashService &service)
+{
+    QFile file(QStringLiteral(WIRE_FILE));
+    if (!file.open(QIODevice::ReadOnly))
+        return {QStringLiteral(WIRE_FILE ": ") + file.errorString()};
+    static const QRegularExpression row(QStringLiteral("^(\\S+)\\s+(\\S+)\\s+(.*)$"));
+    QStringList missing;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    for (const QString &line : lines) {
+        const QRegularExpressionMatch match = row.match(line);
+        if (match.captured(1) != scenario)
+            continue;
+        const QStringList bodies = service.requests(match.captured(2));
+        if (bodies.isEmpty())
+            missing.append(QStringLiteral("there was no %1").arg(match.captured(2)));
+        for (const QString &body : bodies) {
+            if (!body.contains(match.captured(3)))
+                missing.append(QStringLiteral("there is no \"%1\" in %2").arg(match.captured(3), body));
+        }
+    }
+    return missing;
+}
+
 int play(const QString &scenario, quint16 port)
 {
     QProcess kiosk;
@@ -109,11 +135,13 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const CashService service({QStringLiteral("--clock"), QStringLiteral("2024-03-07T14:05:09")});
-    const int status = play(QCoreApplication::arguments().value(1), service.port());
+    const QString scenario = QCoreApplication::arguments().value(1);
+    const int status = play(scenario, service.port());
     if (status != 0)
         return status;
     const kiosk::Ledger ledger(WorkDirectory::path() + QStringLiteral("/kiosk.db"));
-    const QStringList found = disagreements(ledger.latest(1000), registered(service.payments()));
+    const QStringList found = disagreements(ledger.latest(1000), registered(service.payments())) +
+                              missingOnTheWire(QFileInfo(scenario).baseName(), service);
     for (const QString &disagreement : found)
         QTextStream(stderr) << disagreement << '\n';
     return found.isEmpty() ? 0 : DISAGREEMENT;

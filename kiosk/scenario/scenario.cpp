@@ -3,6 +3,7 @@
 #include "scenario/scenario.h"
 
 #include "scenario/stepreader.h"
+#include "scenario/yamldocuments.h"
 
 #include <QFile>
 
@@ -46,10 +47,10 @@ void parse(const QByteArray &text, const QString &source, YamlReader &reader,
            const std::function<void(const YAML::Node &)> &read)
 {
     try {
-        const std::vector<YAML::Node> documents = YAML::LoadAll(text.toStdString());
-        if (documents.size() > 1)
-            reader.addMistake(documents[1].Mark(), QStringLiteral("there is a second document"));
-        read(documents.empty() ? YAML::Node() : documents.front());
+        const std::string bytes = text.toStdString();
+        if (const std::optional<YAML::Mark> second = secondDocument(bytes))
+            reader.addMistake(*second, QStringLiteral("there is a second document"));
+        read(YAML::Load(bytes));
     } catch (const YAML::Exception &error) {
         reader.addMistake(error.mark, QString::fromStdString(error.msg));
     }

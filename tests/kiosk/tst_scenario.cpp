@@ -154,6 +154,7 @@ private Q_SLOTS:
         row("two documents", "steps: [start]\n---\nsteps: [start]", "s.yaml:3:1: there is a second document");
         row("unknown key", "stepz: 1\nsteps: [start]",
             "s.yaml:1:1: the scenario: there is no key \"stepz\"; the keys are settings, host, steps");
+        row("a comma behind the document", "{steps: [start]}, x", "s.yaml:1:17: there is a second document");
         row("a line end in a value", "steps: [type: \"\", press: \"a\\nb\"]",
             "s.yaml:1:26: \"a\\nb\" is none of ok, yes, no, next, back, cancel, pay");
         row("doubled key", "steps: [start]\nsteps: [start]", "s.yaml:2:1: the scenario: \"steps\" is there twice");

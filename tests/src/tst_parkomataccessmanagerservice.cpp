@@ -1,43 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
-#include "clientprobe.h"
-#include "parkinfopayrequest.h"
-#include "parkingcheckrequest.h"
-#include "support/cashservice.h"
+#include "serviceexchange.h"
 #include "support/testcase.h"
-
-#include <QNetworkReply>
-
-namespace {
-/// As the card reader gives it, by the UID in decimal.
-ParkomatCardData card(const QString &uid)
-{
-    return ParkomatCardData(QVariant(QVariantMap{{QStringLiteral("id"), uid},
-                                                 {QStringLiteral("cardId"), QStringLiteral("0000123456")},
-                                                 {QStringLiteral("pdata"), QString(32, QLatin1Char('0'))}}));
-}
-
-const QString DEMO_CARD = QStringLiteral("305419896");
-const QString BLOCKED_CARD = QStringLiteral("268435460");
-const char UNKNOWN[] = "error -1 Unknown response";
-
-ParkInfoPayRequest payment(const QString &uid, qint64 hundredths)
-{
-    Payment pay(70001, QDateTime::currentDateTime(), 18156);
-    pay.setSumm(FixNumber(100, hundredths));
-    return ParkInfoPayRequest(card(uid), pay, FixNumber(100, qint64(15'000)));
-}
-
-/// Without the session's identifier, which nobody can know beforehand.
-QString withoutSession(const QString &seen)
-{
-    const QStringList words = seen.split(QLatin1Char(' '));
-    if (words.constFirst() == QLatin1String("pay"))
-        return words.constFirst();
-    return words.constFirst() == QLatin1String("check") ? words.constFirst() + QLatin1Char(' ') + words.constLast()
-                                                        : seen;
-}
-} // namespace
 
 /// The client and the cash service's program: two implementations of the protocol that share no code.
 class ParkomatAccessManagerServiceTest : public TestCase
@@ -52,20 +16,12 @@ private:
         ParkomatAccessManager client;
         const ClientProbe probe(client);
         client.postData(request);
-        waitUntil([&] { return !probe.seen().isEmpty() && client.findChild<QNetworkReply *>() == nullptr; });
+        waitUntil([&] { return !probe.seen().isEmpty() && repliesOf(client) == 0; });
         MessageLog::drop();
         QStringList seen;
         for (const QString &each : probe.seen())
             seen.append(withoutSession(each));
         return seen;
-    }
-
-    /// @param expected the one signal, or how it begins.
-    static void verifySeen(const QStringList &all, const QString &expected)
-    {
-        QCOMPARE(all.size(), 1);
-        QVERIFY2(all.constFirst() == expected || all.constFirst().startsWith(expected + QLatin1Char(' ')),
-                 qPrintable(all.constFirst()));
     }
 
 private Q_SLOTS:
@@ -74,18 +30,17 @@ private Q_SLOTS:
         const CashService service;
         // Only the port is not the default one: that may be taken.
         ParkomatSettings().setCashServicePort(service.port());
-        QCOMPARE(exchange(ParkingCheckRequest(card(DEMO_CARD))), QStringList(QStringLiteral("check 150.00")));
-        QCOMPARE(exchange(payment(DEMO_CARD, 15'000)), QStringList(QStringLiteral("pay")));
-        QCOMPARE(exchange(ParkingCheckRequest(card(DEMO_CARD))),
-                 QStringList(QStringLiteral("error 3 Парковка уже оплачена")));
+        QCOMPARE(exchange(checkOf(DEMO_CARD)), QStringList(QStringLiteral("check 150.00")));
+        QCOMPARE(exchange(paymentOf(DEMO_CARD, 15'000)), QStringList(QStringLiteral("pay")));
+        QCOMPARE(exchange(checkOf(DEMO_CARD)), QStringList(QStringLiteral("error 3 Парковка уже оплачена")));
     }
 
     void payment_partial_leavesTheRest()
     {
         const CashService service;
         useService(service.port());
-        QCOMPARE(exchange(payment(DEMO_CARD, 4'000)), QStringList(QStringLiteral("pay")));
-        QCOMPARE(exchange(ParkingCheckRequest(card(DEMO_CARD))), QStringList(QStringLiteral("check 110.00")));
+        QCOMPARE(exchange(paymentOf(DEMO_CARD, 4'000)), QStringList(QStringLiteral("pay")));
+        QCOMPARE(exchange(checkOf(DEMO_CARD)), QStringList(QStringLiteral("check 110.00")));
     }
 
     void requests_oneClient_areAnsweredEach()
@@ -94,13 +49,13 @@ private Q_SLOTS:
         useService(service.port(), QStringLiteral("/api"));
         ParkomatAccessManager client;
         const ClientProbe probe(client);
-        client.postData(ParkingCheckRequest(card(DEMO_CARD)));
-        client.postData(ParkingCheckRequest(card(BLOCKED_CARD)));
+        client.postData(checkOf(DEMO_CARD));
+        client.postData(checkOf(BLOCKED_CARD));
         WAIT_FOR(probe.seen().size(), 2);
         QStringList seen = {withoutSession(probe.seen().at(0)), withoutSession(probe.seen().at(1))};
         seen.sort();
         QCOMPARE(seen, QStringList({QStringLiteral("check 150.00"), QStringLiteral("error 4 Карта заблокирована")}));
-        client.postData(payment(DEMO_CARD, 15'000));
+        client.postData(paymentOf(DEMO_CARD, 15'000));
         WAIT_FOR(probe.seen().size(), 3);
         QCOMPARE(withoutSession(probe.seen().at(2)), QStringLiteral("pay"));
         MessageLog::drop();
@@ -129,7 +84,7 @@ private Q_SLOTS:
         QFETCH(QString, seen);
         const CashService service;
         useService(service.port());
-        QCOMPARE(exchange(ParkingCheckRequest(card(uid))), QStringList(seen));
+        QCOMPARE(exchange(checkOf(uid)), QStringList(seen));
     }
 
     void fault_ofTheService_givesOneSignal_data()
@@ -139,12 +94,19 @@ private Q_SLOTS:
         const auto row = [](const char *name, const char *fault, const char *seen) {
             QTest::newRow(name) << QString::fromUtf8(fault) << QString::fromUtf8(seen);
         };
-        row("status 503", "any:status=503", "error 403");
+        const char unknown[] = "error -1 Unknown response";
+        row("status 200", "any:status=200", unknown);
+        row("status 204", "any:status=204", unknown);
+        row("status 301", "any:status=301", unknown);
+        row("status 302", "any:status=302", unknown);
+        row("status 401", "any:status=401", "error 204 Host requires authentication");
         row("status 404", "any:status=404", "error 203");
-        row("status 302", "any:status=302", UNKNOWN);
-        row("empty", "any:empty", UNKNOWN);
+        row("status 407", "any:status=407", "error 105 Proxy requires authentication");
+        row("status 500", "any:status=500", "error 401");
+        row("status 503", "any:status=503", "error 403");
+        row("empty", "any:empty", unknown);
         row("empty the next time", "any#2:empty", "check 150.00");
-        row("another operation", "any:operation=CloseShift", UNKNOWN);
+        row("another operation", "any:operation=CloseShift", unknown);
         row("the other operation", "ParkingCheck:operation", "pay");
         row("a result code", "any:result=7,Почему", "error 7 Почему");
         row("windows-1251", "any:encoding=windows-1251", "check 150.00");
@@ -169,7 +131,7 @@ private Q_SLOTS:
         QFETCH(QString, seen);
         const CashService service({QStringLiteral("--fault"), fault});
         useService(service.port());
-        verifySeen(exchange(ParkingCheckRequest(card(DEMO_CARD))), seen);
+        ServiceExchange(CHECK_KIND).verify(seen);
     }
 
     void fault_ofAPayment_isRegisteredOrNot_data()
@@ -177,19 +139,31 @@ private Q_SLOTS:
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QString>("seen");
         QTest::addColumn<int>("owed");
-        const auto row = [](const char *fault, const char *seen, int owed) {
+        const auto row = [](const QByteArray &fault, const char *seen, int owed) {
             QTest::newRow(fault) << QString::fromUtf8(fault) << QString::fromUtf8(seen) << owed;
         };
         constexpr int all = 15'000;
+        const char unknown[] = "error -1 Unknown response";
         // What the client reports does not tell whether the service has the payment.
-        row("ParkInfoPay:empty", UNKNOWN, 0);
-        row("ParkInfoPay@before:empty", UNKNOWN, all);
-        row("ParkInfoPay@after:status=503", "error 403", 0);
-        row("ParkInfoPay@before:status=503", "error 403", all);
+        row("ParkInfoPay:empty", unknown, 0);
+        row("ParkInfoPay@before:empty", unknown, all);
+        for (const auto &[status, code] : QList<QPair<int, const char *>>{{204, unknown},
+                                                                          {301, unknown},
+                                                                          {401, "error 204"},
+                                                                          {404, "error 203"},
+                                                                          {407, "error 105"},
+                                                                          {500, "error 401"},
+                                                                          {503, "error 403"}}) {
+            const QByteArray action = "status=" + QByteArray::number(status);
+            row("ParkInfoPay@after:" + action, code, 0);
+            row("ParkInfoPay@before:" + action, code, all);
+        }
         row("ParkInfoPay@after:result=7,Почему", "error 7 Почему", 0);
         row("ParkInfoPay@before:result=7,Почему", "error 7 Почему", all);
         row("ParkInfoPay@before:malformed=ResultCode,one", "error 0", all);
-        row("ParkInfoPay@before:operation=CloseShift", UNKNOWN, all);
+        row("ParkInfoPay@before:operation=CloseShift", unknown, all);
+        row("ParkInfoPay@before:operation", "check 0.00", all);
+        row("ParkInfoPay@after:operation", "check 0.00", 0);
         row("ParkInfoPay@before:encoding=utf-16", "pay", all);
         row("ParkInfoPay@before:delay=50ms", "pay", 0);
         row("ParkInfoPay:doubled=SessionId,x", "pay", 0);
@@ -206,7 +180,7 @@ private Q_SLOTS:
         QFETCH(int, owed);
         const CashService service({QStringLiteral("--fault"), fault});
         useService(service.port());
-        verifySeen(exchange(payment(DEMO_CARD, 15'000)), seen);
+        ServiceExchange(PAY_KIND).verify(seen);
         QCOMPARE(service.owed(QStringLiteral("12345678")), owed);
         QCOMPARE(service.payments().size(), owed == 0 ? 1 : 0);
     }

@@ -50,6 +50,11 @@ public:
         return HttpClient::exchange(m_process.port(), "POST", "/admin/faults", json).status < 300;
     }
 
+    /// It is gone at once, and its port refuses.
+    void kill() { m_process.kill(); }
+    /// Ends it by a signal. @return its exit status, or -1 when it did not end by itself.
+    [[nodiscard]] int endBy(int signal) { return m_process.endBy(signal); }
+
 private:
     [[nodiscard]] QJsonObject session(const QString &uid) const
     {

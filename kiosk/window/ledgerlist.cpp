@@ -56,6 +56,9 @@ QWidget *row(const LedgerEntry &entry, const Currency &currency)
     const QString explanation = OutcomeText::explanation(entry);
     if (!explanation.isEmpty())
         layout->addWidget(Parts::label(explanation, "fact"));
+    // What the operator of the cash service asks for.
+    if (!OutcomeText::isSettled(entry) && !entry.parkingSession.isEmpty())
+        layout->addWidget(Parts::label(QStringLiteral("Парковочная сессия ") + entry.parkingSession, "fact"));
     return card;
 }
 } // namespace

@@ -36,6 +36,8 @@ QString moneyHint(const PaymentScreen::State &state)
 /// Under an error that the plugin shows: what its button does, and who else can help.
 QString errorHint(const PaymentScreen::State &state)
 {
+    if (state.isCommitting)
+        return QStringLiteral("Деньги приняты. Нажмите «ОК» и дождитесь квитанции.");
     if (state.purchase.hasCash())
         return QStringLiteral("Нажмите «ОК»: платёж завершится с внесённой суммой.");
     return QStringLiteral("Нажмите «ОК». Нужна помощь — ") + OutcomeText::call(state.phone);
@@ -150,10 +152,10 @@ void PaymentScreen::showBar()
 
 QString PaymentScreen::hint() const
 {
-    if (m_state.isCommitting)
-        return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
     if (hasUp(m_form, "errorMark"))
         return errorHint(m_state);
+    if (m_state.isCommitting)
+        return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
     return hasWayOut(m_form) ? QString() : moneyHint(m_state);
 }
 

@@ -132,7 +132,9 @@ int runUntilQuit(Terminal &terminal, Player *player)
         narrate(*player);
         player->start();
     }
-    return QCoreApplication::exec();
+    const int ended = QCoreApplication::exec();
+    EndLimit::cancel();
+    return ended;
 }
 
 int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scenario)

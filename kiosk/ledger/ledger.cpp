@@ -79,6 +79,8 @@ Ledger::Ledger(const QString &path) : m_connection(QUuid::createUuid().toString(
 {
     QSqlDatabase opened = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     opened.setDatabaseName(path);
+    // The window stands still meanwhile. Who holds the file for longer is waited for elsewhere.
+    opened.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
     if (!opened.open())
         throw failure(path, opened.lastError());
     for (const auto *statement : {

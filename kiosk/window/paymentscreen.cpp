@@ -38,6 +38,8 @@ QString errorHint(const PaymentScreen::State &state)
 {
     if (state.isCommitting)
         return QStringLiteral("Деньги приняты. Нажмите «ОК» и дождитесь квитанции.");
+    if (state.purchase.hasCash() && state.purchase.isNothingDue())
+        return QStringLiteral("Нажмите «ОК». Деньги вернут по номеру платежа.");
     if (state.purchase.hasCash())
         return QStringLiteral("Нажмите «ОК»: платёж завершится с внесённой суммой.");
     return QStringLiteral("Нажмите «ОК». Нужна помощь — ") + OutcomeText::call(state.phone);

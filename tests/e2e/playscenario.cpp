@@ -6,6 +6,7 @@
 #include "support/workdirectory.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -90,8 +91,8 @@ QStringList disagreements(const QVector<LedgerEntry> &entries, const QVector<Reg
     return found;
 }
 
-/// What wire.txt asks of the scenario's requests, and they have not.
-QStringList missingOnTheWire(const QString &scenario, const CashService &service)
+/// What wire.txt asks of the scenario's requests, and they have not; or what is wrong with that file itself.
+QStringList missingOnTheWire(const QFileInfo &scenario, const CashService &service)
 {
     QFile file(QStringLiteral(WIRE_FILE));
     if (!file.open(QIODevice::ReadOnly))
@@ -100,8 +101,12 @@ QStringList missingOnTheWire(const QString &scenario, const CashService &service
     QStringList missing;
     const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
     for (const QString &line : lines) {
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+            continue;
         const QRegularExpressionMatch match = row.match(line);
-        if (match.captured(1) != scenario)
+        if (!match.hasMatch() || !scenario.dir().exists(match.captured(1) + QStringLiteral(".yaml")))
+            missing.append(QStringLiteral("%1: no row, or of no scenario: %2").arg(QStringLiteral(WIRE_FILE), line));
+        if (match.captured(1) != scenario.baseName())
             continue;
         const QStringList bodies = service.requests(match.captured(2));
         if (bodies.isEmpty())
@@ -141,7 +146,7 @@ int main(int argc, char **argv)
         return status;
     const kiosk::Ledger ledger(WorkDirectory::path() + QStringLiteral("/kiosk.db"));
     const QStringList found = disagreements(ledger.latest(1000), registered(service.payments())) +
-                              missingOnTheWire(QFileInfo(scenario).baseName(), service);
+                              missingOnTheWire(QFileInfo(scenario), service);
     for (const QString &disagreement : found)
         QTextStream(stderr) << disagreement << '\n';
     return found.isEmpty() ? 0 : DISAGREEMENT;

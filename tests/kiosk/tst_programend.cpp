@@ -43,7 +43,8 @@ private Q_SLOTS:
             QCOMPARE(kiosk.step(end), QString());
         QCOMPARE(kiosk.finish(), kiosk::EndLimit::STATUS);
         const QString output = kiosk.output();
-        QVERIFY2(output.contains(QStringLiteral("the plugin does not return from a commit")), qPrintable(output));
+        QVERIFY2(output.contains(QStringLiteral("the plugin does not return, the program ends without it")),
+                 qPrintable(output));
 
         const kiosk::Ledger ledger(WorkDirectory::path() + QStringLiteral("/kiosk.db"));
         QCOMPARE(ledger.unseen().size(), 1);

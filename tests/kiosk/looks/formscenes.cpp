@@ -68,6 +68,13 @@ public:
         payment().setState(m_state);
     }
 
+    /// While the plugin asks again.
+    void holdPay()
+    {
+        m_state.canPay = false;
+        payment().setState(m_state);
+    }
+
     void commit()
     {
         m_state.isCommitting = true;
@@ -151,6 +158,13 @@ std::unique_ptr<QWidget> error()
     return message(QStringLiteral("Парковка уже оплачена"), 10, Controller::Error);
 }
 
+std::unique_ptr<QWidget> errorOfTheNetwork()
+{
+    return message(QStringLiteral("Error transferring http://cash.example.org:13006/api/ParkingCheck - server replied: "
+                                  "Service Unavailable"),
+                   10, Controller::Error);
+}
+
 std::unique_ptr<QWidget> cancelQuestion()
 {
     auto window = std::make_unique<Payment>();
@@ -186,6 +200,11 @@ std::unique_ptr<QWidget> detailsPart()
     return detailsOf(QStringLiteral("150.00"), QStringLiteral("100.00"));
 }
 
+std::unique_ptr<QWidget> detailsPaid()
+{
+    return detailsOf(QStringLiteral("150.00"), QStringLiteral("150.00"));
+}
+
 std::unique_ptr<QWidget> detailsChange()
 {
     return detailsOf(QStringLiteral("150.00"), QStringLiteral("200.00"));
@@ -205,6 +224,15 @@ std::unique_ptr<QWidget> detailsComission()
 {
     auto window = std::make_unique<Payment>();
     window->showDetails(QStringLiteral("150.00"), QStringLiteral("100.00"), QStringLiteral("5.00"));
+    return window;
+}
+
+std::unique_ptr<QWidget> checkingWithMoney()
+{
+    auto window = std::make_unique<Payment>();
+    window->showDetails(QStringLiteral("150.00"), QStringLiteral("100.00"));
+    Payment::showMessage(window->form(), QStringLiteral("Проверка информации, подождите..."), 60, Controller::Wait);
+    window->holdPay();
     return window;
 }
 

@@ -12,16 +12,19 @@ namespace FormScenes {
 [[nodiscard]] std::unique_ptr<QWidget> waitCard();
 [[nodiscard]] std::unique_ptr<QWidget> checking();
 [[nodiscard]] std::unique_ptr<QWidget> error();
+[[nodiscard]] std::unique_ptr<QWidget> errorOfTheNetwork();
 [[nodiscard]] std::unique_ptr<QWidget> cancelQuestion();
 [[nodiscard]] std::unique_ptr<QWidget> cardNumber();
 [[nodiscard]] std::unique_ptr<QWidget> cardUid();
 [[nodiscard]] std::unique_ptr<QWidget> details();
 [[nodiscard]] std::unique_ptr<QWidget> detailsPart();
+[[nodiscard]] std::unique_ptr<QWidget> detailsPaid();
 [[nodiscard]] std::unique_ptr<QWidget> detailsChange();
 [[nodiscard]] std::unique_ptr<QWidget> detailsNothingDue();
 [[nodiscard]] std::unique_ptr<QWidget> detailsToReturn();
 [[nodiscard]] std::unique_ptr<QWidget> detailsComission();
 [[nodiscard]] std::unique_ptr<QWidget> errorWithMoney();
+[[nodiscard]] std::unique_ptr<QWidget> checkingWithMoney();
 [[nodiscard]] std::unique_ptr<QWidget> committing();
 [[nodiscard]] std::unique_ptr<QWidget> committingError();
 } // namespace FormScenes

@@ -89,6 +89,11 @@ std::unique_ptr<QWidget> receiptRecovered()
     return receiptOf(Samples::payment(Outcome::Unconfirmed, "150.00", "200.00"), true);
 }
 
+std::unique_ptr<QWidget> receiptRecoveredConfirmed()
+{
+    return receiptOf(Samples::payment(Outcome::Confirmed, "150.00", "150.00"), true);
+}
+
 std::unique_ptr<QWidget> receiptInterrupted()
 {
     return receiptOf(Samples::payment(Outcome::Interrupted, "150.00", "100.00"), true);
@@ -104,16 +109,19 @@ const QVector<Row> &all()
         {QStringLiteral("form-wait-card"), FormScenes::waitCard},
         {QStringLiteral("form-checking"), FormScenes::checking},
         {QStringLiteral("form-error"), FormScenes::error},
+        {QStringLiteral("form-error-of-the-network"), FormScenes::errorOfTheNetwork},
         {QStringLiteral("form-cancel-question"), FormScenes::cancelQuestion},
         {QStringLiteral("form-card-number"), FormScenes::cardNumber},
         {QStringLiteral("form-card-uid"), FormScenes::cardUid},
         {QStringLiteral("form-waiting"), FormScenes::waiting},
         {QStringLiteral("details"), FormScenes::details},
         {QStringLiteral("details-part"), FormScenes::detailsPart},
+        {QStringLiteral("details-paid"), FormScenes::detailsPaid},
         {QStringLiteral("details-change"), FormScenes::detailsChange},
         {QStringLiteral("details-nothing-due"), FormScenes::detailsNothingDue},
         {QStringLiteral("details-to-return"), FormScenes::detailsToReturn},
         {QStringLiteral("details-comission"), FormScenes::detailsComission},
+        {QStringLiteral("checking-with-money"), FormScenes::checkingWithMoney},
         {QStringLiteral("error-with-money"), FormScenes::errorWithMoney},
         {QStringLiteral("committing"), FormScenes::committing},
         {QStringLiteral("committing-error"), FormScenes::committingError},
@@ -126,6 +134,7 @@ const QVector<Row> &all()
         {QStringLiteral("receipt-comission"), receiptComission},
         {QStringLiteral("receipt-to-return"), receiptToReturn},
         {QStringLiteral("receipt-recovered"), receiptRecovered},
+        {QStringLiteral("receipt-recovered-confirmed"), receiptRecoveredConfirmed},
         {QStringLiteral("receipt-interrupted"), receiptInterrupted},
         {QStringLiteral("service-settings"), ServiceScenes::settings},
         {QStringLiteral("service-payments"), ServiceScenes::payments},

@@ -6,9 +6,9 @@
 
 namespace {
 // Keys of the session's data.
-constexpr QLatin1String PARCOMAT_DATA("parcomatData");
-constexpr QLatin1String CARD_DATA("cardData");
-constexpr QLatin1String TOTAL_CHARGE("totalCharge");
+const char PARCOMAT_DATA[] = "parcomatData";
+const char CARD_DATA[] = "cardData";
+const char TOTAL_CHARGE[] = "totalCharge";
 } // namespace
 
 std::optional<QString> ParkingCharge::parameterValue(const QString &name) const
@@ -32,12 +32,14 @@ std::optional<QString> ParkingCharge::parameterValue(const QString &name) const
 
 void ParkingCharge::keepIn(QVariantMap &pluginsData) const
 {
-    pluginsData.insert(PARCOMAT_DATA,
-                       QVariantMap{{CARD_DATA, m_card.toMap()}, {TOTAL_CHARGE, m_response.totalCharge().toString()}});
+    pluginsData.insert(QLatin1String(PARCOMAT_DATA),
+                       QVariantMap{{QLatin1String(CARD_DATA), m_card.toMap()},
+                                   {QLatin1String(TOTAL_CHARGE), m_response.totalCharge().toString()}});
 }
 
 ParkingCharge::Kept ParkingCharge::keptIn(const QVariantMap &pluginsData)
 {
-    const QVariantMap data = pluginsData.value(PARCOMAT_DATA).toMap();
-    return {data.value(CARD_DATA).toMap(), FixNumber(100, data.value(TOTAL_CHARGE).toString())};
+    const QVariantMap data = pluginsData.value(QLatin1String(PARCOMAT_DATA)).toMap();
+    return {data.value(QLatin1String(CARD_DATA)).toMap(),
+            FixNumber(100, data.value(QLatin1String(TOTAL_CHARGE)).toString())};
 }

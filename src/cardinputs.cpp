@@ -2,7 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "cardinputs.h"
 
+#include <QDataStream>
+
 namespace {
+/// Stands in for the payload that only a card reader can read.
+const char MANUAL_PDATA[] = "01312211020202190000000100000000";
+
 ProviderParameter input(const char *name, const QString &label, const char *keyboardType)
 {
     ProviderParameter parameter;
@@ -29,4 +34,19 @@ ProviderParameter CardInputs::cardUid()
 ProviderParameter CardInputs::carNumber(const QString &cardId)
 {
     return input("car_number", QStringLiteral("Номер карты: %1. Введите номер автомобиля.").arg(cardId), "number");
+}
+
+void CardInputs::keepCardNumber(QVariantMap &card, const QString &text)
+{
+    card.insert(QStringLiteral("cardId"), text);
+    card.insert(QStringLiteral("cdt"), 1);
+    card.insert(QStringLiteral("pdata"), QLatin1String(MANUAL_PDATA));
+}
+
+void CardInputs::keepCardUid(QVariantMap &card, const QString &text)
+{
+    QDataStream stream(QByteArray::fromHex(text.toLatin1()));
+    qint32 number = 0;
+    stream >> number;
+    card.insert(QStringLiteral("id"), static_cast<quint32>(number));
 }

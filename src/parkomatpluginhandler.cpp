@@ -5,13 +5,13 @@
 #include "bus/logger.h"
 #include "bus/logvariant.h"
 #include "cardinputs.h"
-#include "core/payment.h"
 #include "core/paypack.h"
 #include "core/provider.h"
 #include "core/sessionmanager.h"
 #include "core/terminalappsettings.h"
 #include "guiclient/formproject.h"
 #include "guiclient/widgetnames.h"
+#include "mergedpayment.h"
 #include "parkinfopayrequest.h"
 #include "parkingcharge.h"
 #include "parkingcheckrequest.h"
@@ -20,7 +20,6 @@
 #include "parkomatpluginsettingswidget.h"
 #include "payresponsewait.h"
 
-#include <QDataStream>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -57,9 +56,6 @@ constexpr int CONFIRMATION_SECONDS = 30;
 
 // Milliseconds.
 constexpr int DETAILS_DELAY = 2000;
-
-/// Stands in for the payload that only a card reader can read.
-const char MANUAL_PDATA[] = "01312211020202190000000100000000";
 
 template <typename Object>
 void release(QPointer<Object> &object)
@@ -398,9 +394,7 @@ void ParkomatPluginHandler::showCardNumberInputScreen()
 
 void ParkomatPluginHandler::cardNumberInputHandler(QString text)
 {
-    m_manualCard.insert(QStringLiteral("cardId"), text);
-    m_manualCard.insert(QStringLiteral("cdt"), 1);
-    m_manualCard.insert(QStringLiteral("pdata"), QLatin1String(MANUAL_PDATA));
+    CardInputs::keepCardNumber(m_manualCard, text);
     m_cardData.setId(text);
     showCardUidInputScreen();
 }
@@ -412,11 +406,7 @@ void ParkomatPluginHandler::showCardUidInputScreen()
 
 void ParkomatPluginHandler::cardUidInputHandler(QString uid)
 {
-    const QByteArray bytes = QByteArray::fromHex(uid.toLatin1());
-    QDataStream stream(bytes);
-    qint32 number = 0;
-    stream >> number;
-    m_manualCard.insert(QStringLiteral("id"), static_cast<quint32>(number));
+    CardInputs::keepCardUid(m_manualCard, uid);
     newParcomatCardDataCommandHandler(QString(), QVariantMap(m_manualCard));
 }
 
@@ -489,18 +479,10 @@ void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager * /*session*/
         qCCritical(DEFAULT_LOG).noquote() << "INVALID PLUGIN PROVIDER";
         return;
     }
-    Payment merged;
+    MergedPayment merged(m_provider->id());
     for (const Payment &payment : pack != nullptr ? pack->payments() : QList<Payment>()) {
-        if (payment.providerId() != m_provider->id())
-            continue;
-        if (merged.providerId() < 1) {
-            // Its number and time stand for all of them.
-            merged = payment;
-            continue;
-        }
-        qCWarning(DEFAULT_LOG).noquote() << "SOME PAYS FOR PROVIDER:" << m_provider->name();
-        merged.setSumm(merged.summ() + payment.summ());
-        merged.setComission(merged.comission() + payment.comission(), merged.usePrepay(), merged.devidePrepay());
+        if (merged.add(payment))
+            qCWarning(DEFAULT_LOG).noquote() << "SOME PAYS FOR PROVIDER:" << m_provider->name();
     }
 
     loadMessagesView()->initMessageSingleSignalMode(QStringLiteral("Выполняется подтверждение операции..."),
@@ -509,7 +491,7 @@ void ParkomatPluginHandler::doPaymentPredProcessing(SessionManager * /*session*/
     const auto kept = ParkingCharge::keptIn(m_sessionManager ? m_sessionManager->pluginsData() : QVariantMap());
     // What the session holds is the card of this payment, whichever was read last.
     m_cardData.parseMap(kept.card);
-    m_accessManager->postData(ParkInfoPayRequest(m_cardData, merged, kept.total));
+    m_accessManager->postData(ParkInfoPayRequest(m_cardData, merged.payment(), kept.total));
     PayResponseWait(*this, m_isPayResponseArrived).run();
 }
 

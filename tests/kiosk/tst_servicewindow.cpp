@@ -46,10 +46,7 @@ private Q_SLOTS:
         TerminalBench bench;
         ShownWindow shown(bench.terminal());
         bench.plan("confirmation", QStringLiteral("left up"));
-        bench.showDetails();
-        bench.takeCash("150");
-        shown.touch("payButton");
-        WAIT_FOR(bench->screen(), Screen::Receipt);
+        shown.pay(bench);
         shown.touch("receiptButton");
         bench->openService();
         WAIT_FOR(bench->screen(), Screen::Service);
@@ -131,10 +128,7 @@ private Q_SLOTS:
     {
         TerminalBench bench;
         ShownWindow shown(bench.terminal());
-        bench.showDetails();
-        bench.takeCash("150");
-        shown.touch("payButton");
-        WAIT_FOR(bench->screen(), Screen::Receipt);
+        shown.pay(bench);
         {
             const FullDisk disk;
             shown.touch("receiptButton");

@@ -15,18 +15,7 @@ class ParkomatAccessManagerWireTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        // With the first manager Qt starts threads of its own that serve the whole process from then on.
-        const MessageLog log;
-        RawServer server;
-        server.plan({RawAnswer::http("200 OK", Answers::CHECK)});
-        useService(server.port());
-        ParkomatAccessManager client;
-        const ClientProbe probe(client);
-        client.postData(QStringLiteral("X"), DOCUMENT);
-        WAIT_FOR(probe.seen(), QStringList(CHECKED));
-    }
+    void initTestCase() { WireExchange::startThreadsOfQt(); }
 
     void post_refused_givesOneError()
     {

@@ -114,6 +114,20 @@ inline const QList<Kind> KINDS = {
     {"pay", QStringLiteral("ParkInfoPay"), Answers::PAY, PAID, QStringLiteral("pay ")},
     {"refused", QStringLiteral("ParkInfoPay"), Answers::REFUSED_PAYMENT, REFUSED, QStringLiteral("error 5 ")}};
 
+/// With the first manager Qt starts threads of its own that serve the whole process from then on: a test that counts
+/// what is left does not count them.
+inline void startThreadsOfQt()
+{
+    const MessageLog log;
+    RawServer server;
+    server.plan({RawAnswer::http("200 OK", Answers::CHECK)});
+    useService(server.port());
+    ParkomatAccessManager client;
+    const ClientProbe probe(client);
+    client.postData(QStringLiteral("X"), DOCUMENT);
+    WAIT_FOR(probe.seen(), QStringList(CHECKED));
+}
+
 inline void verifyRequest(const RawRequest &request, const QString &operation, quint16 port)
 {
     QCOMPARE(request.line(), "POST /api/" + operation.toUtf8() + " HTTP/1.1");

@@ -38,6 +38,7 @@ private Q_SLOTS:
         MergedPayment merged(PROVIDER);
         QVERIFY(!merged.add(payment(1, "100.00", "5.00", usePrepay, devidePrepay)));
         QVERIFY(merged.add(payment(2, "50.00", "2.50", !usePrepay, !devidePrepay)));
+        QCOMPARE(merged.payment(), payment(1, "150.00", "7.50", usePrepay, devidePrepay));
         QVERIFY(merged.add(payment(3, "0.25", "0.01", !usePrepay, !devidePrepay)));
         QCOMPARE(merged.payment(), payment(1, "150.25", "7.51", usePrepay, devidePrepay));
     }

@@ -18,8 +18,11 @@
 #include "scenario/servicefaults.h"
 #include "signalwatch.h"
 #include "terminal.h"
+#include "terminalinfo.h"
 #include "window/bench/benchpanel.h"
 #include "window/kioskwindow.h"
+#include "window/startup.h"
+#include "window/startwindow.h"
 #include "workdirlock.h"
 
 #include <QApplication>
@@ -27,6 +30,7 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 
+#include <memory>
 #include <optional>
 
 namespace {
@@ -38,6 +42,8 @@ enum Status
     Failed = 1,
     Unusable = 2
 };
+
+const QString ENDED_BY_A_SIGNAL = QStringLiteral("the scenario was ended by a signal");
 
 int fail(Status status, const QStringList &texts)
 {
@@ -102,7 +108,7 @@ void limitTheEnd(const Terminal &terminal)
 }
 
 /// Ends the program when the terminal is ready for it and the scenario, if there is one, is through.
-int runUntilQuit(Terminal &terminal, Player *player)
+int runUntilQuit(const SignalWatch &signalWatch, Terminal &terminal, Player *player)
 {
     int status = Held;
     bool mayEnd = player == nullptr;
@@ -116,10 +122,9 @@ int runUntilQuit(Terminal &terminal, Player *player)
         if (mayEnd)
             EndLimit::begin();
     });
-    const SignalWatch signalWatch;
     QObject::connect(&signalWatch, &SignalWatch::endWanted, &terminal, [&] {
         if (!mayEnd)
-            status = fail(Failed, {QStringLiteral("the scenario was ended by a signal")});
+            status = fail(Failed, {ENDED_BY_A_SIGNAL});
         mayEnd = true;
         terminal.quit();
     });
@@ -137,13 +142,30 @@ int runUntilQuit(Terminal &terminal, Player *player)
     return ended;
 }
 
+void show(QWidget &window, const Arguments &arguments)
+{
+    arguments.isFullScreen ? window.showFullScreen() : window.show();
+}
+
 int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scenario)
 {
-    Ledger ledger(InitConfig::workDir() + QStringLiteral("/kiosk.db"));
+    const SignalWatch signalWatch;
     applySettings(arguments, scenario);
+    StartWindow startWindow(terminalInfo());
+    show(startWindow, arguments);
+    Startup startup(startWindow);
+    const auto endsStartup = QObject::connect(&signalWatch, &SignalWatch::endWanted, &startup, &Startup::end);
+
+    const QString ledgerPath = InitConfig::workDir() + QStringLiteral("/kiosk.db");
+    // Nobody mends one while a scenario waits.
+    const auto ledger = scenario ? std::make_unique<Ledger>(ledgerPath) : startup.openLedger(ledgerPath);
     PluginHost host(pluginPath(arguments));
-    host.load(
-        PluginProbe{QCoreApplication::applicationFilePath(), {QStringLiteral("--") + QLatin1String(PROBE_OPTION)}});
+    const PluginProbe probe = {QCoreApplication::applicationFilePath(),
+                               {QStringLiteral("--") + QLatin1String(PROBE_OPTION)}};
+    if (!ledger || !startup.load(host, probe))
+        return scenario ? fail(Failed, {ENDED_BY_A_SIGNAL}) : Held;
+    // From here on the terminal says when the program may end.
+    QObject::disconnect(endsStartup);
 
     FormProject project(QStringLiteral(":/kiosk/project"));
     TerminalOptions options;
@@ -152,9 +174,10 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
         options.keepPlugin = scenario->host.keepPlugin;
         options.comission = scenario->host.comission;
     }
-    Terminal terminal(host, ledger, options);
+    Terminal terminal(host, *ledger, options);
     KioskWindow window(terminal);
-    arguments.isFullScreen ? window.showFullScreen() : window.show();
+    show(window, arguments);
+    startWindow.hide();
 
     std::optional<ServiceFaults> faults;
     if (!arguments.bench.isEmpty())
@@ -173,7 +196,7 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     std::optional<Player> player;
     if (scenario)
         player.emplace(*scenario, stage);
-    return runUntilQuit(terminal, player ? &*player : nullptr);
+    return runUntilQuit(signalWatch, terminal, player ? &*player : nullptr);
 }
 
 int run(const Arguments &arguments)

@@ -75,7 +75,9 @@ QString now()
 }
 } // namespace
 
-Ledger::Ledger(const QString &path) : m_connection(QUuid::createUuid().toString())
+Ledger::Ledger() : m_connection(QUuid::createUuid().toString()) {}
+
+Ledger::Ledger(const QString &path) : Ledger()
 {
     QSqlDatabase opened = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     opened.setDatabaseName(path);

@@ -53,6 +53,8 @@ public:
     [[nodiscard]] QVector<LedgerEntry> latest(int most) const;
 
 private:
+    /// What it leaves goes with ~Ledger(), also where the file cannot be opened.
+    Ledger();
     void settle();
     [[nodiscard]] QVector<LedgerEntry> select(const QString &condition, const QVariantList &values) const;
 

@@ -5,17 +5,33 @@
 #include "kiosklog.h"
 #include "plugin/pluginhost.h"
 
-#include <QFile>
+#include <QEventLoop>
 #include <QProcess>
+#include <QTimer>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
+
+#include <sys/prctl.h>
 
 namespace kiosk {
 namespace {
 // What stands before the child's report, among what the plugin itself may print. A plugin that can be used is reported
 // with no reason behind it.
 const char REPORT[] = "plugin-probe: ";
+
+/// Waits for the end of the process; events are handled meanwhile.
+/// @return whether it came in time, before the program is to end.
+bool waitForEnd(QProcess &process, std::chrono::milliseconds patience)
+{
+    QEventLoop loop;
+    QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop, &QEventLoop::quit);
+    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    if (process.state() != QProcess::NotRunning)
+        loop.exec();
+    return process.state() == QProcess::NotRunning;
+}
 
 /// How a child that reported nothing ended.
 QString deathOf(const QProcess &process)
@@ -40,7 +56,7 @@ QString PluginProbe::run(const QString &pluginFile) const
     process.start(program, arguments + QStringList{pluginFile});
     if (!process.waitForStarted())
         return QStringLiteral("Плагин нечем проверить: ") + process.errorString();
-    if (!process.waitForFinished(static_cast<int>(patience.count()))) {
+    if (!waitForEnd(process, patience)) {
         process.kill();
         process.waitForFinished();
         return QStringLiteral("Плагин не загрузился за %1 мс").arg(patience.count());
@@ -56,6 +72,8 @@ QString PluginProbe::run(const QString &pluginFile) const
 
 int PluginProbe::runInChild(const QString &pluginFile)
 {
+    // A plugin that hangs does not outlive a terminal that is killed meanwhile.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     PluginHost host(pluginFile);
     host.load();
     // One line, whatever the loader says.

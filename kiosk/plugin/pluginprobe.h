@@ -17,7 +17,8 @@ struct PluginProbe
     QStringList arguments;
     std::chrono::milliseconds patience = std::chrono::seconds(30);
 
-    /// Blocks until the process is through. @return why the plugin cannot be used, for people; empty where it can.
+    /// Returns when the process is through; events are handled meanwhile. @return why the plugin cannot be used, for
+    /// people; empty where it can.
     [[nodiscard]] QString run(const QString &pluginFile) const;
 
     /// The child's part: loads the plugin, makes its object, and reports on standard output.

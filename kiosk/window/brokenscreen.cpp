@@ -44,17 +44,33 @@ BrokenScreen::BrokenScreen(QWidget *parent)
     layout->addStretch(2);
 }
 
-void BrokenScreen::setFailure(const QString &reason, const PluginIdentity &plugin, const TrelmInfo &terminal)
+void BrokenScreen::setPluginFailure(const QString &reason, const PluginIdentity &plugin, const TrelmInfo &terminal)
 {
-    const QString advice = OutcomeText::call(terminal.phone);
-    m_advice->setText(advice.left(1).toUpper() + advice.mid(1));
-    m_facts->clear();
-    m_facts->addHeading(QStringLiteral("Для сервисного инженера"));
+    begin(terminal);
     m_facts->addBelow(QStringLiteral("Плагин не загружен"), reason);
     m_facts->addBelow(QStringLiteral("Файл"), orUnknown(plugin.path));
     m_facts->addBelow(QStringLiteral("Интерфейс плагина"), orUnknown(plugin.interfaceId));
     m_facts->addBelow(QStringLiteral("Нужен интерфейс"), QStringLiteral(PAY_BY_PROVIDER_IID));
     m_facts->addBelow(QStringLiteral("Qt плагина / терминала"),
                       orUnknown(plugin.qtVersion) + QStringLiteral(" / ") + QLatin1String(qVersion()));
+}
+
+void BrokenScreen::setLedgerFailure(const QString &reason, const QString &path, const TrelmInfo &terminal)
+{
+    begin(terminal);
+    m_facts->addBelow(QStringLiteral("Журнал платежей не открывается"), reason);
+    m_facts->addBelow(QStringLiteral("Файл"), path);
+    m_facts->addBelow(
+        QStringLiteral("Что делать"),
+        QStringLiteral("Освободите место на диске, проверьте права на файл. Повреждённый файл сохраните и "
+                       "уберите из папки. Терминал пробует снова каждые 10 секунд."));
+}
+
+void BrokenScreen::begin(const TrelmInfo &terminal)
+{
+    const QString advice = OutcomeText::call(terminal.phone);
+    m_advice->setText(advice.left(1).toUpper() + advice.mid(1));
+    m_facts->clear();
+    m_facts->addHeading(QStringLiteral("Для сервисного инженера"));
 }
 } // namespace kiosk

@@ -11,7 +11,7 @@
 namespace kiosk {
 class Facts;
 
-/// There is no plugin, so nothing can be paid: tells the customer whom to call, and the engineer what happened.
+/// Nothing can be paid: tells the customer whom to call, and the engineer what happened.
 class BrokenScreen : public QWidget
 {
     Q_OBJECT
@@ -19,10 +19,14 @@ class BrokenScreen : public QWidget
 public:
     explicit BrokenScreen(QWidget *parent = nullptr);
 
-    /// @param reason for people, as the terminal has it.
-    void setFailure(const QString &reason, const PluginIdentity &plugin, const TrelmInfo &terminal);
+    /// There is no plugin. @param reason for people, as the terminal has it.
+    void setPluginFailure(const QString &reason, const PluginIdentity &plugin, const TrelmInfo &terminal);
+    /// There is no ledger. @param reason what it says, @param path its file.
+    void setLedgerFailure(const QString &reason, const QString &path, const TrelmInfo &terminal);
 
 private:
+    void begin(const TrelmInfo &terminal);
+
     QLabel *m_advice;
     Facts *m_facts;
 };

@@ -13,7 +13,6 @@
 #include "window/screens.h"
 #include "window/servicescreen.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QVBoxLayout>
 
@@ -21,8 +20,7 @@ namespace kiosk {
 KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
     : QWidget(parent), m_terminal(terminal), m_screens(new Screens(terminal.info()))
 {
-    Look::apply(*qApp);
-    setWindowTitle(QStringLiteral("Оплата парковки"));
+    Look::setUp(*this);
     setFocusPolicy(Qt::ClickFocus);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -35,7 +33,6 @@ KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
     connect(&m_terminal, &Terminal::settingsSaved, this,
             [this] { m_screens->service().setStatus(QStringLiteral("Настройки сохранены.")); });
     showScreen();
-    resize(1024, 768);
     // Seconds are counted down on the details.
     m_tick.start(1000, this);
 }
@@ -88,7 +85,7 @@ void KioskWindow::showScreen()
         m_screens->showScreen(m_screens->service());
         break;
     case Terminal::Screen::Broken:
-        m_screens->broken().setFailure(m_terminal.brokenReason(), m_terminal.pluginIdentity(), m_terminal.info());
+        m_screens->broken().setPluginFailure(m_terminal.brokenReason(), m_terminal.pluginIdentity(), m_terminal.info());
         m_screens->showScreen(m_screens->broken());
         break;
     }

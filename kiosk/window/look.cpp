@@ -33,6 +33,13 @@ void apply(QApplication &application)
     application.setStyleSheet(GuiStyle::sheet() + (isOpen ? QString::fromUtf8(file.readAll()) : QString()));
 }
 
+void setUp(QWidget &window)
+{
+    apply(*qApp);
+    window.setWindowTitle(QStringLiteral("Оплата парковки"));
+    window.resize(1024, 768);
+}
+
 void refresh(QWidget &widget)
 {
     widget.style()->unpolish(&widget);

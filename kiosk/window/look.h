@@ -16,6 +16,9 @@ namespace Look {
 /// Gives the application the project's style sheet, behind that of the GUI client library.
 void apply(QApplication &application);
 
+/// A window of the terminal's: its look, title, and size where it does not fill the screen.
+void setUp(QWidget &window);
+
 /// Tells the style sheet that a property which it asks for has changed.
 void refresh(QWidget &widget);
 } // namespace Look

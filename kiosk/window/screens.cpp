@@ -8,6 +8,7 @@
 #include "window/paymentscreen.h"
 #include "window/receiptscreen.h"
 #include "window/servicescreen.h"
+#include "window/startingscreen.h"
 
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -16,12 +17,12 @@ namespace kiosk {
 Screens::Screens(const TrelmInfo &info, QWidget *parent)
     : QWidget(parent), m_header(new HeaderBar(info)), m_stack(new QStackedWidget), m_idle(new IdleScreen),
       m_payment(new PaymentScreen), m_receipt(new ReceiptScreen), m_service(new ServiceScreen),
-      m_broken(new BrokenScreen)
+      m_broken(new BrokenScreen), m_starting(new StartingScreen)
 {
     // What the style sheet goes by.
     setObjectName(QStringLiteral("screens"));
     setAttribute(Qt::WA_StyledBackground);
-    for (QWidget *screen : QList<QWidget *>{m_idle, m_payment, m_receipt, m_service, m_broken})
+    for (QWidget *screen : QList<QWidget *>{m_idle, m_payment, m_receipt, m_service, m_broken, m_starting})
         m_stack->addWidget(screen);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

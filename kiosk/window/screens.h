@@ -14,6 +14,7 @@ class IdleScreen;
 class PaymentScreen;
 class ReceiptScreen;
 class ServiceScreen;
+class StartingScreen;
 
 /// The terminal's screens, of which one is up, and the header above them. It knows nothing of the terminal.
 class Screens : public QWidget
@@ -29,6 +30,7 @@ public:
     [[nodiscard]] ReceiptScreen &receipt() { return *m_receipt; }
     [[nodiscard]] ServiceScreen &service() { return *m_service; }
     [[nodiscard]] BrokenScreen &broken() { return *m_broken; }
+    [[nodiscard]] StartingScreen &starting() { return *m_starting; }
 
     /// @param screen one of the above.
     void showScreen(QWidget &screen);
@@ -41,5 +43,6 @@ private:
     ReceiptScreen *m_receipt;
     ServiceScreen *m_service;
     BrokenScreen *m_broken;
+    StartingScreen *m_starting;
 };
 } // namespace kiosk

@@ -67,6 +67,17 @@ public:
         const bool isOver = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(LIMIT);
         return isOver && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
     }
+    /// Waits until the program has written the text.
+    [[nodiscard]] bool says(const char *text)
+    {
+        QByteArray said;
+        while (!said.contains(text)) {
+            if (!m_process.bytesAvailable() && !m_process.waitForReadyRead(LIMIT))
+                return false;
+            said += m_process.readAll();
+        }
+        return true;
+    }
     [[nodiscard]] QString output() { return QString::fromUtf8(m_process.readAll()); }
 
 private:

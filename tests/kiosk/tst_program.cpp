@@ -37,6 +37,13 @@ QVector<LedgerEntry> ledger()
     return kiosk::Ledger(WorkDirectory::path() + QStringLiteral("/kiosk.db")).latest(10);
 }
 
+void spoilLedger()
+{
+    QFile file(WorkDirectory::path() + QStringLiteral("/kiosk.db"));
+    if (file.open(QIODevice::WriteOnly))
+        file.write(QByteArray(8192, 'x'));
+}
+
 /// A customer with the details before him and 100.00 in the terminal. @return what went wrong; empty: nothing.
 QString payIn(KioskProcess &kiosk)
 {
@@ -143,15 +150,44 @@ private Q_SLOTS:
         QCOMPARE(first.step("expect: {screen: idle}"), QString());
     }
 
-    void start_withoutItsLedger_isUnusable()
+    void play_withoutItsLedger_isUnusable()
     {
-        QFile file(WorkDirectory::path() + QStringLiteral("/kiosk.db"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(8192, 'x'));
-        file.close();
-        KioskProcess kiosk({QStringLiteral("--plugin-file"), QStringLiteral(PLUGIN_FILE)});
+        spoilLedger();
+        KioskProcess kiosk({QStringLiteral("--plugin-file"), QStringLiteral(PLUGIN_FILE), QStringLiteral("--play"),
+                            scenario("steps:\n  - expect: {screen: idle}\n")});
         QCOMPARE(kiosk.finish(), 2);
         QVERIFY(kiosk.output().contains(QStringLiteral("the ledger: ")));
+    }
+
+    /// Where there is somebody to mend it, it waits for that.
+    void signal_withoutALedger_endsTheProgram()
+    {
+        spoilLedger();
+        KioskProcess kiosk({QStringLiteral("--plugin-file"), QStringLiteral(PLUGIN_FILE)});
+        QVERIFY(kiosk.says("no ledger, it is tried again: the ledger: "));
+        kiosk.sendSignal(SIGTERM);
+        QCOMPARE(kiosk.finish(), 0);
+    }
+
+    void signal_whileThePluginIsTriedOut_endsTheProgram_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status");
+        QTest::newRow("a terminal") << QStringList() << 0;
+        QTest::newRow("a scenario") << QStringList{QStringLiteral("--play"),
+                                                   scenario("steps:\n  - expect: {screen: idle}\n")}
+                                    << 1;
+    }
+
+    void signal_whileThePluginIsTriedOut_endsTheProgram()
+    {
+        const Mood set("hangs");
+        QFETCH(QStringList, arguments);
+        Q_UNUSED(scenario("steps:\n  - expect: {screen: idle}\n"));
+        KioskProcess kiosk(QStringList{QStringLiteral("--plugin-file"), QStringLiteral(FAKE_PLUGIN_FILE)} + arguments);
+        QVERIFY(kiosk.says("the plugin is tried out"));
+        kiosk.sendSignal(SIGTERM);
+        QTEST(kiosk.finish(), "status");
     }
 
     void start_withoutAWorkDirectory_isUnusable()

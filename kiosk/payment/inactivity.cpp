@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QEvent>
 
+#include <algorithm>
+
 namespace kiosk {
 Inactivity::Inactivity(QObject *parent) : QObject(parent)
 {
@@ -33,8 +35,12 @@ void Inactivity::restart()
 
 int Inactivity::secondsLeft() const
 {
+    if (!m_timer.isActive())
+        return 0;
     constexpr int millisecondsOfASecond = 1000;
-    return m_timer.isActive() ? (m_timer.remainingTime() + millisecondsOfASecond - 1) / millisecondsOfASecond : 0;
+    // Qt rounds up: at first a millisecond more may be left than there was.
+    const int left = std::min(m_timer.remainingTime(), m_timer.interval());
+    return (left + millisecondsOfASecond - 1) / millisecondsOfASecond;
 }
 
 bool Inactivity::eventFilter(QObject *watched, QEvent *event)

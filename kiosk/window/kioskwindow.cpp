@@ -30,8 +30,7 @@ KioskWindow::KioskWindow(Terminal &terminal, QWidget *parent)
     connect(&m_terminal, &Terminal::screenChanged, this, &KioskWindow::showScreen);
     connect(&m_terminal, &Terminal::purchaseChanged, this, &KioskWindow::showPayment);
     connect(&m_terminal, &Terminal::committingChanged, this, &KioskWindow::showPayment);
-    connect(&m_terminal, &Terminal::settingsSaved, this,
-            [this] { m_screens->service().setStatus(QStringLiteral("Настройки сохранены.")); });
+    connect(&m_terminal, &Terminal::settingsSaved, &m_screens->service(), &ServiceScreen::setSaved);
     showScreen();
     // Seconds are counted down on the details.
     m_tick.start(1000, this);
@@ -118,9 +117,9 @@ void KioskWindow::start()
 
 void KioskWindow::save()
 {
-    const QString reason = m_terminal.saveService();
-    if (!reason.isEmpty())
-        m_screens->service().setStatus(QStringLiteral("Не сохранено: ") + reason);
+    // The reason is for the log; there is but one.
+    if (!m_terminal.saveService().isEmpty())
+        m_screens->service().setNotSaved();
 }
 
 void KioskWindow::closeEvent(QCloseEvent *event)

@@ -143,6 +143,8 @@ void PaymentScreen::showBar()
     const bool hasMoney = m_state.hasDetails && !m_state.isCommitting && !isAsked;
     calmPrompt(m_form);
     m_hint->setText(hint());
+    // Behind the plugin's last message it is all that tells why to wait.
+    Parts::setRole(*m_hint, m_state.isCommitting && !hasUp(m_form, "messageText") ? "textStrong" : "hint");
     m_money->setVisible(hasMoney);
     // Where there is nothing to pay and nothing was paid in, it would never do anything.
     m_pay->setVisible(hasMoney && (!m_state.purchase.isNothingDue() || m_state.purchase.hasCash()));

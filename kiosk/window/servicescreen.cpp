@@ -93,7 +93,6 @@ void ServiceScreen::open(QWidget *page, const PluginIdentity &plugin, const QVec
     page->show();
     m_payments->setEntries(entries, currency);
     setIdentity(plugin);
-    setStatus({});
     showSection(Section::Settings);
 }
 
@@ -118,14 +117,32 @@ void ServiceScreen::showSection(Section section)
     const int index = static_cast<int>(section);
     m_tabs->button(index)->setChecked(true);
     m_sections->setCurrentIndex(index);
-    // Elsewhere there is nothing to save.
-    m_save->setVisible(section == Section::Settings && m_page);
-    setStatus({});
+    showSave();
+    setStatus({}, "hint");
 }
 
-void ServiceScreen::setStatus(const QString &text)
+void ServiceScreen::showSave()
+{
+    // Elsewhere there is nothing to save.
+    m_save->setVisible(m_sections->currentIndex() == static_cast<int>(Section::Settings) && m_page);
+}
+
+void ServiceScreen::setSaved()
+{
+    setStatus(QStringLiteral("Настройки сохранены."), "hint");
+}
+
+void ServiceScreen::setNotSaved()
+{
+    showSave();
+    setStatus(QStringLiteral("Не сохранено: плагин закрыл страницу настроек. Закройте меню и откройте снова."),
+              "outcomeBad");
+}
+
+void ServiceScreen::setStatus(const QString &text, const char *role)
 {
     m_status->setText(text);
+    Parts::setRole(*m_status, role);
 }
 
 void ServiceScreen::setIdentity(const PluginIdentity &plugin)

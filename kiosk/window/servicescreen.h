@@ -45,8 +45,10 @@ public:
     /// Lets go of the page.
     void leave();
     void showSection(Section section);
-    /// Says that the settings are stored, or why not.
-    void setStatus(const QString &text);
+    /// Says that the settings are stored.
+    void setSaved();
+    /// Says that they are not: the plugin has taken its page away.
+    void setNotSaved();
 
 Q_SIGNALS:
     void saveWanted();
@@ -54,6 +56,8 @@ Q_SIGNALS:
 
 private:
     void addSection(const QString &caption, const char *name, QWidget *page);
+    void setStatus(const QString &text, const char *role);
+    void showSave();
     void setIdentity(const PluginIdentity &plugin);
 
     QButtonGroup *m_tabs;

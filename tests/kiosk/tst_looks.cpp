@@ -22,6 +22,7 @@ class LooksTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void font_ofEachText_isTheNamedOne_data();
     void font_ofEachText_isTheNamedOne();
     void screen_onEachSize_canBeUsed_data();
     void screen_onEachSize_canBeUsed();
@@ -74,18 +75,23 @@ QString faultsOf(QWidget &window)
 
 Q_DECLARE_METATYPE(Scene::Row)
 
+void LooksTest::font_ofEachText_isTheNamedOne_data()
+{
+    addScenes({sizes().first()});
+}
+
 void LooksTest::font_ofEachText_isTheNamedOne()
 {
-    for (const Scene::Row &scene : Scene::all()) {
-        Rendering::Stage stage(scene.make(), sizes().first());
-        const auto all = stage.widget().findChildren<QWidget *>();
-        for (const QWidget *widget : all) {
-            const bool hasText = qobject_cast<const QLabel *>(widget) != nullptr ||
-                                 qobject_cast<const QAbstractButton *>(widget) != nullptr ||
-                                 qobject_cast<const QLineEdit *>(widget) != nullptr;
-            if (hasText)
-                QCOMPARE(QFontInfo(widget->font()).family(), QStringLiteral("Open Sans"));
-        }
+    QFETCH(const Scene::Row, scene);
+    QFETCH(const QSize, size);
+    Rendering::Stage stage(scene.make(), size);
+    const auto all = stage.widget().findChildren<QWidget *>();
+    for (const QWidget *widget : all) {
+        const bool hasText = qobject_cast<const QLabel *>(widget) != nullptr ||
+                             qobject_cast<const QAbstractButton *>(widget) != nullptr ||
+                             qobject_cast<const QLineEdit *>(widget) != nullptr;
+        if (hasText)
+            QCOMPARE(QFontInfo(widget->font()).family(), QStringLiteral("Open Sans"));
     }
 }
 

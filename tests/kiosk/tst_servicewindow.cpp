@@ -100,6 +100,39 @@ private Q_SLOTS:
         QVERIFY(shown.isUp("saveButton"));
     }
 
+    void save_withoutThePluginsPage_saysThatNothingIsSaved()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        Q_UNUSED(bench.takeCalls());
+        delete bench->settingsPage();
+        shown.touch("saveButton");
+        QCOMPARE(bench.takeCalls(), QStringList{QStringLiteral("~FakeSettings")});
+        QVERIFY2(shown.text("serviceStatus").startsWith(QStringLiteral("Не сохранено:")),
+                 qPrintable(shown.text("serviceStatus")));
+        QVERIFY(!shown.isUp("saveButton"));
+        // As it says itself.
+        shown.touch("closeButton");
+        WAIT_FOR(bench->screen(), Screen::Idle);
+        bench->openService();
+        QCOMPARE(shown.text("serviceStatus"), QString());
+        shown.touch("saveButton");
+        QCOMPARE(shown.text("serviceStatus"), QStringLiteral("Настройки сохранены."));
+    }
+
+    void service_ofAPluginWithoutSettings_offersNothingToSave()
+    {
+        TerminalBench bench;
+        bench.plan("settings", QStringLiteral("none"));
+        ShownWindow shown(bench.terminal());
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        QVERIFY(shown.allText().contains(QStringLiteral("У плагина нет настроек.")));
+        QVERIFY(!shown.isUp("saveButton"));
+    }
+
     void service_leftAlone_closesAndSavesNothing()
     {
         kiosk::TerminalOptions options;

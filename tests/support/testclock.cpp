@@ -19,11 +19,14 @@ std::atomic<bool> isReal = true;
 std::mutex mutex;
 int readingsSoFar = 0;
 std::atomic<qint64> skippedMs = 0;
+/// When the monotonic clock was stopped; 0: it goes on.
+std::atomic<qint64> stoppedNs = 0;
 // Not a thread_local variable: the first use of one allocates, and who allocates may want to know the time.
 std::atomic<pthread_t> skippingThread = {};
 
 constexpr qint64 MS_PER_SECOND = 1'000;
 constexpr qint64 NS_PER_MS = 1'000'000;
+constexpr qint64 NS_PER_SECOND = MS_PER_SECOND * NS_PER_MS;
 
 /// Empty while the clock is real. Never destroyed: a thread of a library that nobody waits for may still look at the
 /// clock while the process ends.
@@ -54,14 +57,22 @@ int wallTime(timespec *time)
     return 0;
 }
 
+qint64 kernelMonotonicNs(clockid_t clock)
+{
+    timespec time = {};
+    kernelTime(clock, &time);
+    return time.tv_sec * NS_PER_SECOND + time.tv_nsec;
+}
+
 int monotonicTime(clockid_t clock, timespec *time)
 {
-    const int result = kernelTime(clock, time);
-    const qint64 ms = skippingThread == pthread_self() ? skippedMs.load() : 0;
-    const qint64 ns = time->tv_nsec + ms % MS_PER_SECOND * NS_PER_MS;
-    time->tv_sec += static_cast<time_t>(ms / MS_PER_SECOND + ns / (MS_PER_SECOND * NS_PER_MS));
-    time->tv_nsec = static_cast<long>(ns % (MS_PER_SECOND * NS_PER_MS));
-    return result;
+    if (skippingThread != pthread_self())
+        return kernelTime(clock, time);
+    const qint64 stopped = stoppedNs;
+    const qint64 ns = (stopped != 0 ? stopped : kernelMonotonicNs(clock)) + skippedMs * NS_PER_MS;
+    time->tv_sec = static_cast<time_t>(ns / NS_PER_SECOND);
+    time->tv_nsec = static_cast<long>(ns % NS_PER_SECOND);
+    return 0;
 }
 } // namespace
 
@@ -119,4 +130,15 @@ void TestClock::skip(qint64 ms)
 {
     skippingThread = pthread_self();
     skippedMs += ms;
+}
+
+StillTimers::StillTimers()
+{
+    skippingThread = pthread_self();
+    stoppedNs = kernelMonotonicNs(CLOCK_MONOTONIC);
+}
+
+StillTimers::~StillTimers()
+{
+    stoppedNs = 0;
 }

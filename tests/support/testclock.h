@@ -22,3 +22,15 @@ void release();
 /// sockets' time limits and QtTest's go on as they are. Always the same thread may skip.
 void skip(qint64 ms);
 } // namespace TestClock
+
+/// While it lives the monotonic clock of this thread stands still, but for what skip() lets it leave out: what is left
+/// of a timer stays as it is, however busy the machine. Always the same thread may do so, and nothing may be waited
+/// for.
+class StillTimers
+{
+public:
+    StillTimers();
+    ~StillTimers();
+    StillTimers(const StillTimers &) = delete;
+    StillTimers &operator=(const StillTimers &) = delete;
+};

@@ -81,6 +81,30 @@ private Q_SLOTS:
         QVERIFY(after - before < 3'000'000);
     }
 
+    void clock_withStillTimers_standsStillInThisThreadAlone()
+    {
+        QTimer timer;
+        timer.start(3'600'000);
+        QElapsedTimer here;
+        {
+            const StillTimers still;
+            here.start();
+            const int left = timer.remainingTime();
+            const std::unique_ptr<QThread> thread(QThread::create([&here] {
+                const qint64 before = here.elapsed();
+                while (here.elapsed() == before)
+                    QThread::yieldCurrentThread();
+            }));
+            thread->start();
+            thread->wait();
+            QCOMPARE(here.nsecsElapsed(), 0);
+            QCOMPARE(timer.remainingTime(), left);
+            TestClock::skip(1000);
+            QCOMPARE(here.elapsed(), 1000);
+        }
+        QVERIFY(here.elapsed() > 1000);
+    }
+
     void clock_frozen_standsStillToTheProcessesEnd()
     {
         const auto child = ChildProcess::start("tellsTheTimeAtItsEnd");

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-/// The screens of a payment, with the texts and the parameters of the parking plugin.
+/// The screens of a payment, as the parking plugin and the terminal bring them up.
 namespace FormScenes {
 [[nodiscard]] std::unique_ptr<QWidget> waiting();
 [[nodiscard]] std::unique_ptr<QWidget> waitCard();
@@ -27,4 +27,6 @@ namespace FormScenes {
 [[nodiscard]] std::unique_ptr<QWidget> checkingWithMoney();
 [[nodiscard]] std::unique_ptr<QWidget> committing();
 [[nodiscard]] std::unique_ptr<QWidget> committingError();
+/// The plugin's message has gone, and it has not returned yet.
+[[nodiscard]] std::unique_ptr<QWidget> committingWithoutAMessage();
 } // namespace FormScenes

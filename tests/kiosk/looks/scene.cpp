@@ -3,9 +3,9 @@
 #include "kiosk/looks/scene.h"
 
 #include "kiosk/looks/formscenes.h"
+#include "kiosk/looks/kioskscene.h"
 #include "kiosk/looks/samples.h"
 #include "kiosk/looks/servicescenes.h"
-#include "window/idlescreen.h"
 #include "window/receiptscreen.h"
 #include "window/screens.h"
 
@@ -21,17 +21,14 @@ std::unique_ptr<Screens> screens()
 
 std::unique_ptr<QWidget> idle()
 {
-    auto window = screens();
-    window->showScreen(window->idle());
-    return window;
+    return std::make_unique<KioskScene>();
 }
 
 std::unique_ptr<QWidget> idleRefused()
 {
-    auto window = screens();
-    window->idle().setNotice(QStringLiteral("Сейчас оплатить не получается. Попробуйте ещё раз или позвоните: ") +
-                             Samples::terminal().phone);
-    window->showScreen(window->idle());
+    auto window = std::make_unique<KioskScene>(QStringLiteral(FAKE_PLUGIN_FILE));
+    window->plan("form", QStringLiteral("none"));
+    window->touch("startButton");
     return window;
 }
 
@@ -125,6 +122,7 @@ const QVector<Row> &all()
         {QStringLiteral("error-with-money"), FormScenes::errorWithMoney},
         {QStringLiteral("committing"), FormScenes::committing},
         {QStringLiteral("committing-error"), FormScenes::committingError},
+        {QStringLiteral("committing-without-a-message"), FormScenes::committingWithoutAMessage},
         {QStringLiteral("receipt-confirmed"), receiptConfirmed},
         {QStringLiteral("receipt-change"), receiptChange},
         {QStringLiteral("receipt-part"), receiptPart},
@@ -137,6 +135,8 @@ const QVector<Row> &all()
         {QStringLiteral("receipt-recovered-confirmed"), receiptRecoveredConfirmed},
         {QStringLiteral("receipt-interrupted"), receiptInterrupted},
         {QStringLiteral("service-settings"), ServiceScenes::settings},
+        {QStringLiteral("service-settings-none"), ServiceScenes::settingsNone},
+        {QStringLiteral("service-settings-not-saved"), ServiceScenes::settingsNotSaved},
         {QStringLiteral("service-payments"), ServiceScenes::payments},
         {QStringLiteral("service-payments-none"), ServiceScenes::paymentsNone},
         {QStringLiteral("service-ledger-fault"), ServiceScenes::ledgerFault},

@@ -2,11 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "kiosk/looks/servicescenes.h"
 
+#include "kiosk/looks/kioskscene.h"
 #include "kiosk/looks/samples.h"
 #include "plugin/pluginfile.h"
-#include "plugin/pluginhost.h"
-#include "pluginsettings.h"
-#include "servicemenu.h"
 #include "window/brokenscreen.h"
 #include "window/screens.h"
 #include "window/servicescreen.h"
@@ -16,39 +14,25 @@ namespace {
 using kiosk::Screens;
 using kiosk::ServiceScreen;
 
-/// The parking plugin, loaded once: its library stays.
-kiosk::PluginHost &parkingPlugin()
+std::unique_ptr<Screens> menuAt(ServiceScreen::Section section, const QVector<kiosk::LedgerEntry> &entries)
 {
-    static kiosk::PluginHost host(QStringLiteral(PLUGIN_FILE));
-    if (host.plugin() == nullptr)
-        host.load();
-    return host;
+    auto window = std::make_unique<Screens>(Samples::terminal());
+    window->service().open(nullptr, Samples::plugin(), entries, {});
+    window->service().showSection(section);
+    window->showScreen(window->service());
+    return window;
 }
 
-/// The window, with the plugin's page that it only borrows.
-class ServiceScene : public Screens
+std::unique_ptr<KioskScene> opened(std::unique_ptr<KioskScene> window)
 {
-public:
-    explicit ServiceScene(ServiceScreen::Section section,
-                          const QVector<kiosk::LedgerEntry> &entries = Samples::ledger())
-        : Screens(Samples::terminal())
-    {
-        kiosk::PluginSettings::write({{QStringLiteral("TermId"), QStringLiteral("0042")}});
-        m_menu.open(parkingPlugin().plugin());
-        service().open(m_menu.page(), Samples::plugin(), entries, {});
-        service().showSection(section);
-        showScreen(service());
-    }
-    ~ServiceScene() override { service().leave(); }
-
-private:
-    kiosk::ServiceMenu m_menu;
-};
+    window->terminal().openService();
+    return window;
+}
 
 std::unique_ptr<QWidget> brokenBy(const QString &reason, const kiosk::PluginIdentity &plugin)
 {
     auto window = std::make_unique<Screens>(Samples::terminal());
-    window->broken().setFailure(reason, plugin, Samples::terminal());
+    window->broken().setPluginFailure(reason, plugin, Samples::terminal());
     window->showScreen(window->broken());
     return window;
 }
@@ -56,24 +40,39 @@ std::unique_ptr<QWidget> brokenBy(const QString &reason, const kiosk::PluginIden
 
 std::unique_ptr<QWidget> settings()
 {
-    auto window = std::make_unique<ServiceScene>(ServiceScreen::Section::Settings);
-    window->service().setStatus(QStringLiteral("Настройки сохранены."));
+    auto window = opened(std::make_unique<KioskScene>());
+    window->touch("saveButton");
+    return window;
+}
+
+std::unique_ptr<QWidget> settingsNone()
+{
+    auto window = std::make_unique<KioskScene>(QStringLiteral(FAKE_PLUGIN_FILE));
+    window->plan("settings", QStringLiteral("none"));
+    return opened(std::move(window));
+}
+
+std::unique_ptr<QWidget> settingsNotSaved()
+{
+    auto window = opened(std::make_unique<KioskScene>());
+    delete window->terminal().settingsPage();
+    window->touch("saveButton");
     return window;
 }
 
 std::unique_ptr<QWidget> payments()
 {
-    return std::make_unique<ServiceScene>(ServiceScreen::Section::Payments);
+    return menuAt(ServiceScreen::Section::Payments, Samples::ledger());
 }
 
 std::unique_ptr<QWidget> paymentsNone()
 {
-    return std::make_unique<ServiceScene>(ServiceScreen::Section::Payments, QVector<kiosk::LedgerEntry>());
+    return menuAt(ServiceScreen::Section::Payments, {});
 }
 
 std::unique_ptr<QWidget> ledgerFault()
 {
-    auto window = std::make_unique<ServiceScene>(ServiceScreen::Section::Payments);
+    auto window = menuAt(ServiceScreen::Section::Payments, Samples::ledger());
     window->service().setLedgerFault(
         QStringLiteral("the ledger: COMMIT: database or disk is full Unable to fetch row"));
     return window;
@@ -81,7 +80,7 @@ std::unique_ptr<QWidget> ledgerFault()
 
 std::unique_ptr<QWidget> plugin()
 {
-    return std::make_unique<ServiceScene>(ServiceScreen::Section::Plugin);
+    return menuAt(ServiceScreen::Section::Plugin, {});
 }
 
 std::unique_ptr<QWidget> broken()

@@ -67,9 +67,9 @@ public:
 /// A plugin that does what a test plans, writes down what the terminal does, and complains where the terminal breaks
 /// its contract. A test reaches it as the terminal does, by its root object.
 ///
-/// Plans: "confirmation" (see confirm()) and "form" ("none"). FAKE_PLUGIN in the environment says what the library does
-/// while it is loaded ("dies", "ends", "hangs"), whom it takes payments for ("another payee"), and that a card of
-/// 150.00 brings up the details and its confirmation never ends ("never returns", "stands still").
+/// Plans: "confirmation" (see confirm()), "form" and "settings" ("none"). FAKE_PLUGIN in the environment says what the
+/// library does while it is loaded ("dies", "ends", "hangs"), whom it takes payments for ("another payee"), and that a
+/// card of 150.00 brings up the details and its confirmation never ends ("never returns", "stands still").
 class FakePlugin : public QObject, public IPayByProvider
 {
     Q_OBJECT
@@ -114,7 +114,7 @@ public:
     QString pluginStringId() override { return QStringLiteral("fakePlugin"); }
     QVariantList getStompFilters() override { return {}; }
     bool needRestartIfExists() override { return true; }
-    bool hasSettingsWidget() override { return true; }
+    bool hasSettingsWidget() override { return plans().value(QStringLiteral("settings")) != QStringLiteral("none"); }
     bool needPaymentPredProcessing() override { return true; }
 
     bool setMessageReciever(QObject *receiver, const char *slot) override

@@ -76,8 +76,7 @@ int main(int argc, char **argv)
     if (words.isEmpty())
         return fail(Unusable, QStringLiteral("which step? --help lists them"));
 
-    const QString step =
-        words.size() == 1 ? words.first() : words.first() + QStringLiteral(": ") + words.mid(1).join(QLatin1Char(' '));
+    const QString step = words.join(QLatin1Char(' '));
     if (step.contains(QLatin1Char('\n')))
         return fail(Unusable, QStringLiteral("a step is one line"));
     try {

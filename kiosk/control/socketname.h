@@ -7,7 +7,7 @@
 namespace kiosk {
 /// Where the terminal of a work directory can be reached.
 ///
-/// What is said there: a step in one line, as a scenario has it ("press: ok"), or "state"; the answer is a JSON object
+/// What is said there: a step in one line ("press: ok" or "press ok"), or "state"; the answer is a JSON object
 /// in one line with the texts "failure" (why the step failed; empty: it held), "note" (why the terminal did not take
 /// it), and for "state" the object "state".
 [[nodiscard]] inline QString controlSocket(const QString &workDir)

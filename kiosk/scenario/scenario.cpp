@@ -6,6 +6,7 @@
 #include "scenario/yamldocuments.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 namespace kiosk {
 namespace {
@@ -85,3 +86,7 @@ Step readStep(const QString &text, const QString &source)
     return step;
 }
 } // namespace kiosk
+    // No verb has a blank in it, so a command is nothing else in YAML; a comment is no value.
+    static const QRegularExpression command(QStringLiteral("^\\s*([a-z][a-z-]*)\\s+([^#].*)$"));
+    const QRegularExpressionMatch match = command.match(text);
+    const QString inYaml = match.hasMatch() ? match.captured(1) + QStringLiteral(": ") + match.captured(2) : text;

@@ -49,7 +49,8 @@ struct Scenario
 [[nodiscard]] Scenario readScenario(const QString &path);
 /// The same of what a file holds. @param path whose mistakes they are.
 [[nodiscard]] Scenario readScenario(const QByteArray &text, const QString &path);
-/// Reads one step: "press: ok". @param source whose mistakes they are, in place of a file's name.
+/// Reads one step, "press: ok", or a command, "press ok": kioskctl and the bench panel take both.
+/// @param source whose mistakes they are, in place of a file's name.
 /// @throw ScenarioError
 [[nodiscard]] Step readStep(const QString &text, const QString &source);
 /// The verbs with what they take, a line each, for people.

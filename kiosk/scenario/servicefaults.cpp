@@ -2,40 +2,24 @@
 // SPDX-License-Identifier: MIT
 #include "scenario/servicefaults.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkProxy>
 #include <QNetworkReply>
-#include <QNetworkRequest>
 
 namespace kiosk {
-ServiceFaults::ServiceFaults(const QUrl &admin, QObject *parent) : QObject(parent), m_admin(admin)
-{
-    if (m_admin.path().isEmpty() || m_admin.path() == QLatin1String("/"))
-        m_admin.setPath(QStringLiteral("/admin"));
-    constexpr int patience = 30'000;
-    m_network.setTransferTimeout(patience);
-    // The service is on this machine, whatever proxy the system has.
-    m_network.setProxy(QNetworkProxy::NoProxy);
-}
+namespace {
+constexpr auto FAULTS = "faults";
+} // namespace
+
+ServiceFaults::ServiceFaults(const QUrl &admin, QObject *parent) : QObject(parent), m_admin(admin) {}
 
 void ServiceFaults::set(const QString &rule, const Done &done)
 {
-    QNetworkRequest request(url());
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
-    watch(m_network.post(request, QJsonDocument(QJsonObject{{QStringLiteral("rule"), rule}}).toJson()), done);
+    watch(m_admin.post(FAULTS, {{QStringLiteral("rule"), rule}}), done);
 }
 
 void ServiceFaults::clear(const Done &done)
 {
-    watch(m_network.deleteResource(QNetworkRequest(url())), done);
-}
-
-QUrl ServiceFaults::url() const
-{
-    QUrl url = m_admin;
-    url.setPath(m_admin.path() + QStringLiteral("/faults"));
-    return url;
+    watch(m_admin.remove(FAULTS), done);
 }
 
 void ServiceFaults::watch(QNetworkReply *reply, const Done &done)

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QNetworkAccessManager>
-#include <QUrl>
+#include "scenario/serviceadmin.h"
+
+#include <QObject>
 
 #include <functional>
 
@@ -19,7 +20,7 @@ public:
     /// Told when the service has answered. @param reason why it did not work; empty: it did.
     using Done = std::function<void(const QString &reason)>;
 
-    /// @param admin the admin interface: "http://127.0.0.1:13006/admin"; the path may be left out.
+    /// @param admin as ServiceAdmin takes it.
     explicit ServiceFaults(const QUrl &admin, QObject *parent = nullptr);
 
     /// Adds a fault. @param rule as the service's options have it: "ParkInfoPay#1@before:empty".
@@ -28,10 +29,8 @@ public:
     void clear(const Done &done);
 
 private:
-    [[nodiscard]] QUrl url() const;
     void watch(QNetworkReply *reply, const Done &done);
 
-    QUrl m_admin;
-    QNetworkAccessManager m_network;
+    ServiceAdmin m_admin;
 };
 } // namespace kiosk

@@ -37,7 +37,10 @@ void StepRunner::run(const Step &step)
         expect(step);
         break;
     case Verb::Screenshot:
-        tell(takeScreenshot(step.text));
+        if (m_stage.shotsDir.isEmpty())
+            Q_EMIT finished({}, QStringLiteral("no picture is kept: give --shots"));
+        else
+            tell(takeScreenshot(step.text));
         break;
     case Verb::Wait:
         QTimer::singleShot(step.milliseconds, this, [tell] { tell({}); });
@@ -108,8 +111,6 @@ void StepRunner::lookAgain()
 
 QString StepRunner::takeScreenshot(const QString &name)
 {
-    if (m_stage.shotsDir.isEmpty())
-        return {};
     const QString path = QDir(m_stage.shotsDir).filePath(name + QStringLiteral(".png"));
     const bool isTaken = QDir().mkpath(m_stage.shotsDir) && m_stage.window.grab().save(path);
     return isTaken ? QString() : QStringLiteral("%1 cannot be written").arg(path);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/bench/benchpanel.h"
 
+#include "kiosk/looks/goldenimage.h"
 #include "kiosk/looks/lookchecks.h"
 #include "kiosk/looks/rendering.h"
 #include "kiosk/terminalbench.h"
@@ -28,7 +29,7 @@ class Desk
 {
 public:
     Desk()
-        : m_faults(admin()),
+        : m_service({QStringLiteral("--clock"), QStringLiteral("2024-03-07T14:05:09")}), m_faults(admin()),
           m_stage(std::make_unique<BenchPanel>(kiosk::Stage{m_bench.terminal(), m_bench.window(), &m_faults, QString()},
                                                admin()),
                   QSize(800, 768))
@@ -49,11 +50,18 @@ public:
         }
         return nullptr;
     }
+    void waitForCards() { WAIT_FOR(button(QStringLiteral("12345678")) != nullptr, true); }
     void touch(const QString &caption)
     {
         QPushButton *found = button(caption);
         QVERIFY2(found != nullptr, qPrintable(caption));
         QTest::mouseClick(found, Qt::LeftButton);
+    }
+    /// @param text a step, or a command.
+    void giveStep(const QString &text)
+    {
+        type("step", text);
+        touch(QStringLiteral("Сделать"));
     }
     void type(const char *line, const QString &text)
     {
@@ -79,7 +87,7 @@ private Q_SLOTS:
     void cards_ofTheCarPark_areThoseOfTheService()
     {
         Desk desk;
-        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        desk.waitForCards();
         QCOMPARE(desk.button(QStringLiteral("12345678"))->text(),
                  QStringLiteral("12345678 · 150.00\u00A0руб.\nthe demo's card: owes 150.00"));
         const QStringList others = {QStringLiteral("10000000"), QStringLiteral("10000007"), QStringLiteral("10000009")};
@@ -91,7 +99,7 @@ private Q_SLOTS:
     void cards_first_isTheOneOfTheDemo()
     {
         Desk desk;
-        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        desk.waitForCards();
         int demo = desk.button(QStringLiteral("12345678"))->y();
         const QStringList others = {QStringLiteral("10000000"), QStringLiteral("10000006"), QStringLiteral("10000009")};
         for (const QString &uid : others)
@@ -104,13 +112,14 @@ private Q_SLOTS:
         BenchPanel panel({bench.terminal(), bench.window()}, QUrl(QStringLiteral("http://127.0.0.1:1")));
         const auto *outcome = panel.findChild<QLabel *>(QStringLiteral("benchOutcome"));
         WAIT_FOR(outcome->text().isEmpty(), false);
+        QVERIFY2(outcome->text().startsWith(QStringLiteral("Карты: ")), qPrintable(outcome->text()));
         QVERIFY2(outcome->text().contains(QLatin1String("refused")), qPrintable(outcome->text()));
     }
 
     void card_touched_isReadByTheTerminal()
     {
         Desk desk;
-        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        desk.waitForCards();
         desk.touch(QStringLiteral("Начать"));
         QCOMPARE(desk.bench()->screen(), Screen::Form);
         Q_UNUSED(desk.bench().takeCalls());
@@ -170,6 +179,79 @@ private Q_SLOTS:
         WAIT_FOR(desk.outcome().startsWith(QLatin1String("nonsense: the cash service: ")), true);
     }
 
+    // Each verb of the vocabulary, in one notation or the other.
+    void step_typed_isDone_data()
+    {
+        QTest::addColumn<QString>("step");
+        QTest::addColumn<QString>("outcome");
+        const auto row = [](const char *step, const char *outcome) {
+            QTest::newRow(step) << QString::fromUtf8(step) << QString::fromUtf8(outcome);
+        };
+        row("start", "start: сделано");
+        row("session-card {id: 77}", "session-card: {id: 77}: сделано");
+        row("session-card: {id: 77}", "session-card: {id: 77}: сделано");
+        row("settings {ParkingId: 12}", "settings: {ParkingId: 12}: сделано");
+        row("expect {screen: idle}", "expect: {screen: idle}: сделано");
+        row("expect {screen: receipt, within: 0}",
+            "expect: {screen: receipt, within: 0}: after 0 ms: expected screen \"receipt\"; there was \"idle\"");
+        row("wait 0", "wait: 0: сделано");
+        row("screenshot a", "screenshot: a: no picture is kept: give --shots");
+        row("service {fault: any:empty}", "service: {fault: any:empty}: сделано");
+        row("stop", "stop: stop: not now");
+        row("press ok", "press: ok: there is no button \"ok\" to touch");
+        row("push ok", "push ok: step:1:1: there is no step \"push\"; the steps are ");
+        row("expect {screen: nowhere}", "expect {screen: nowhere}: step:1:18: \"nowhere\" is none of ");
+        row("press: [", "press: [: step:1:1: ");
+        row("", ": step:1:1: write a step as VERB or VERB: VALUE");
+    }
+
+    void step_typed_isDone()
+    {
+        QFETCH(QString, step);
+        QFETCH(QString, outcome);
+        Desk desk;
+        desk.giveStep(step);
+        WAIT_FOR(desk.outcome().startsWith(outcome), true);
+        MessageLog::drop();
+    }
+
+    void sessionCard_typed_isLeftForTheNextStart()
+    {
+        Desk desk;
+        desk.giveStep(QStringLiteral("session-card {id: 77}"));
+        desk.touch(QStringLiteral("Начать"));
+        const QVariantMap card = {{QStringLiteral("id"), QStringLiteral("77")}};
+        QCOMPARE(desk.bench().sessionData(), (QVariantMap{{QStringLiteral("18156"), card}}));
+    }
+
+    // What is expected is for the next touch to bring about.
+    void step_whileAnotherGoesOn_isDoneBesideIt()
+    {
+        const QString wait = QStringLiteral("wait: 600000: ");
+        const QString expect = QStringLiteral("expect: {screen: details, within: 600000}: ");
+        const QString goesOn = QStringLiteral("выполняется");
+        const QString isDone = QStringLiteral("сделано");
+        Desk desk;
+        desk.giveStep(QStringLiteral("wait 600000"));
+        QCOMPARE(desk.outcome(), wait + goesOn);
+        desk.giveStep(QStringLiteral("expect {screen: details, within: 600000}"));
+        QCOMPARE(desk.outcome(), wait + goesOn + '\n' + expect + goesOn);
+        desk.touch(QStringLiteral("Начать"));
+        QCOMPARE(desk.outcome(), QStringLiteral("Начать: ") + isDone + '\n' + wait + goesOn + '\n' + expect + goesOn);
+        desk.bench().fill("SummToPay", QStringLiteral("150.00"));
+        desk.bench().signal("needShowPayDetail");
+        WAIT_FOR(desk.outcome(), expect + isDone + '\n' + wait + goesOn);
+    }
+
+    void quit_touched_endsTheTerminal()
+    {
+        Desk desk;
+        const QSignalSpy ready(&desk.bench().terminal(), &kiosk::Terminal::quitReady);
+        desk.touch(QStringLiteral("Выключить"));
+        WAIT_FOR(ready.count(), 1);
+        QCOMPARE(desk.outcome(), QStringLiteral("Выключить: сделано"));
+    }
+
     void panel_besideTheWindow_isOnTheScreen_data()
     {
         QTest::addColumn<int>("windowsRight");
@@ -192,15 +274,37 @@ private Q_SLOTS:
         MessageLog::drop();
     }
 
+    void panel_ofItsSize_canBeUsed_data()
+    {
+        QTest::addColumn<QString>("step");
+        QTest::newRow("as it opens") << QString();
+        QTest::newRow("an outcome") << QStringLiteral("start");
+        QTest::newRow("an outcome of many lines") << QStringLiteral("push");
+    }
+
     void panel_ofItsSize_canBeUsed()
     {
+        QFETCH(QString, step);
         Desk desk;
-        WAIT_FOR(desk.button(QStringLiteral("12345678")) != nullptr, true);
+        desk.waitForCards();
+        if (!step.isEmpty())
+            desk.giveStep(step);
         Rendering::settle(desk.panel());
         QCOMPARE(LookChecks::clipped(desk.panel()).join(QLatin1Char('\n')), QString());
         QCOMPARE(LookChecks::overlapping(desk.panel()).join(QLatin1Char('\n')), QString());
         QCOMPARE(LookChecks::nameless(desk.panel()).join(QLatin1Char('\n')), QString());
         QCOMPARE(LookChecks::paleTexts(desk.panel(), 4.5).join(QLatin1Char('\n')), QString());
+    }
+
+    void panel_withTheServicesCards_looksAsItDid()
+    {
+        Desk desk;
+        desk.waitForCards();
+        desk.giveStep(QStringLiteral("push ok"));
+        Rendering::settle(desk.panel());
+        const QString difference = GoldenImage::differenceFromFile(QStringLiteral(KIOSK_GOLDEN "/bench-panel.png"),
+                                                                   Rendering::picture(desk.panel()));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 };
 

@@ -276,4 +276,33 @@ private Q_SLOTS:
 };
 
 TEST_MAIN(ScenarioTest)
+    void step_asACommand_isTheSame_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("a word") << "press ok"
+                                << "press: ok";
+        QTest::newRow("a map") << "session-card {id: 7, pdata: x}"
+                               << "session-card: {id: 7, pdata: x}";
+        QTest::newRow("some words") << "  type  a b "
+                                    << "type: a b";
+        QTest::newRow("a sign first") << "type -5"
+                                      << "type: -5";
+        QTest::newRow("nothing to take") << "start"
+                                         << "start";
+        QTest::newRow("a step") << "press: ok"
+                                << "press: ok";
+        QTest::newRow("a map of one step") << "{press: ok}"
+                                           << "press: ok";
+        QTest::newRow("a comment") << "start # over"
+                                   << "start";
+    }
+
+    void step_asACommand_isTheSame()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, caption);
+        QCOMPARE(step(command).caption, caption);
+    }
+
 #include "tst_scenario.moc"

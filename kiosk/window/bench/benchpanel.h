@@ -7,6 +7,8 @@
 
 #include <QWidget>
 
+#include <functional>
+
 class QLabel;
 class QPushButton;
 class QVBoxLayout;
@@ -15,7 +17,8 @@ namespace kiosk {
 /// What surrounds a terminal, to be had beside its window: parking cards, bank notes, a hand on its buttons, and a cash
 /// service that can be broken. For tests and demonstrations: a terminal in use has none.
 ///
-/// Everything it does is a step, done as scenarios do it.
+/// Everything it does is a step, done as scenarios do it. One that takes its time keeps no other from being done, as
+/// with several kioskctl at once: what is expected may be for the next touch to bring about.
 class BenchPanel : public QWidget
 {
     Q_OBJECT
@@ -35,14 +38,21 @@ private:
     [[nodiscard]] QPushButton *button(const Step &step);
     [[nodiscard]] QWidget *section(const QString &heading, QLayout *content);
     [[nodiscard]] QLayout *grid(const QVector<Step> &steps, int columns);
-    [[nodiscard]] QLayout *input(Verb verb, const QString &caption, const QString &name);
+    /// A line to type on, whose text is done by the button beside it or the Enter key.
+    [[nodiscard]] QLayout *input(const QString &caption, const QString &name,
+                                 const std::function<void(const QString &text)> &use);
+    [[nodiscard]] QLayout *anyStep();
     void run(const Step &step);
-    void tell(const QString &outcome);
+    void runText(const QString &text);
+    void tell(const QString &what, const QString &outcome);
+    void showOutcome();
 
-    StepRunner m_runner;
+    Stage m_stage;
     CarPark m_carPark;
     QVBoxLayout *m_cards;
     QLabel *m_outcome;
-    QString m_running;
+    QString m_told;
+    /// What is going on: "wait" and "expect" take their time, and so does the cash service.
+    QStringList m_running;
 };
 } // namespace kiosk

@@ -74,6 +74,11 @@ QVector<Step> faults()
             step(QStringLiteral("Исправить сервис"), Verb::ClearFaults)};
 }
 
+Step quit()
+{
+    return step(QStringLiteral("Выключить"), Verb::Quit);
+}
+
 Step typed(Verb verb, const QString &text)
 {
     return step(text, verb, text);

@@ -17,6 +17,8 @@ namespace kiosk::BenchSteps {
 [[nodiscard]] QVector<Step> touches();
 /// Faults of the cash service worth a button, and the end of them all.
 [[nodiscard]] QVector<Step> faults();
+/// Ends the terminal.
+[[nodiscard]] Step quit();
 /// What is typed: on the terminal, or as a fault's rule.
 [[nodiscard]] Step typed(Verb verb, const QString &text);
 } // namespace kiosk::BenchSteps

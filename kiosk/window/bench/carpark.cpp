@@ -5,13 +5,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkProxy>
 #include <QNetworkReply>
 
 #include <algorithm>
 
 namespace kiosk {
 namespace {
+constexpr auto SESSIONS = "sessions";
+
 ParkedCard card(const QJsonObject &session)
 {
     ParkedCard made;
@@ -39,20 +40,12 @@ QVariantMap ParkedCard::read() const
             {QStringLiteral("pdata"), QStringLiteral("01312211020202190000000100000000")}};
 }
 
-CarPark::CarPark(const QUrl &admin, QObject *parent) : QObject(parent), m_sessions(admin)
-{
-    const bool hasPath = admin.path().size() > 1;
-    m_sessions.setPath((hasPath ? admin.path() : QStringLiteral("/admin")) + QStringLiteral("/sessions"));
-    constexpr int patience = 30'000;
-    m_network.setTransferTimeout(patience);
-    // The service is on this machine, whatever proxy the system has.
-    m_network.setProxy(QNetworkProxy::NoProxy);
-}
+CarPark::CarPark(const QUrl &admin, QObject *parent) : QObject(parent), m_admin(admin) {}
 
 void CarPark::ask()
 {
     const int number = ++m_asked;
-    QNetworkReply *reply = m_network.get(QNetworkRequest(m_sessions));
+    QNetworkReply *reply = m_admin.get(SESSIONS);
     connect(reply, &QNetworkReply::finished, this, [this, reply, number] {
         reply->deleteLater();
         if (number == m_asked)
@@ -67,7 +60,7 @@ void CarPark::take(QNetworkReply &reply)
     if (reply.error() != QNetworkReply::NoError || !sessions.isArray()) {
         Q_EMIT failed(reply.error() != QNetworkReply::NoError
                           ? reply.errorString()
-                          : QStringLiteral("%1 names no sessions").arg(m_sessions.toString()));
+                          : QStringLiteral("%1 names no sessions").arg(m_admin.url(SESSIONS).toString()));
         return;
     }
     QVector<ParkedCard> cards;

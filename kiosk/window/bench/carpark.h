@@ -3,10 +3,10 @@
 #pragma once
 
 #include "extension/fixnumber.h"
+#include "scenario/serviceadmin.h"
 
-#include <QNetworkAccessManager>
+#include <QObject>
 #include <QString>
-#include <QUrl>
 #include <QVariantMap>
 #include <QVector>
 
@@ -32,7 +32,7 @@ class CarPark : public QObject
     Q_OBJECT
 
 public:
-    /// @param admin "http://127.0.0.1:13006/admin"; the path may be left out.
+    /// @param admin as ServiceAdmin takes it.
     explicit CarPark(const QUrl &admin, QObject *parent = nullptr);
 
     /// Asks anew; one of the signals answers. An answer that is still out is not waited for any more.
@@ -48,8 +48,7 @@ Q_SIGNALS:
 private:
     void take(QNetworkReply &reply);
 
-    QUrl m_sessions;
-    QNetworkAccessManager m_network;
+    ServiceAdmin m_admin;
     int m_asked = 0;
 };
 } // namespace kiosk

@@ -1,5 +1,6 @@
-# Builds and installs the plugin twice against a terminal's SDK, from two copies of the source tree in two folders, and
-# demands the same file bit for bit; then asks what is shipped when it was built, what it exports and what it needs.
+# Builds and installs the plugin against a terminal's SDK by the commands of the integration guide, twice, from two copies
+# of the source tree in two folders, and demands the same file bit for bit; then asks what is shipped when it was built,
+# what it exports and what it needs.
 #   cmake -DSOURCE=FOLDER -DBUILD=FOLDER -DPRINT_BUILD=PROGRAM -P reproducible.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -7,23 +8,31 @@ cmake_minimum_required(VERSION 3.25)
 set(ENV{SOURCE_DATE_EPOCH} 1583321867)
 set(MOMENT "2020-03-04T11:37:47")
 set(ENV{CCACHE_DISABLE} 1)
+# Where the SDK of this test looks for the platform.
+set(ENV{PLATFORM_LIBRARIES} "${BUILD}/lib")
+set(ENV{PLATFORM_HEADERS} "${SOURCE}/platform")
+
+file(STRINGS "${SOURCE}/docs/integration.md" commands REGEX "^    cmake ")
+list(LENGTH commands count)
+if(NOT count EQUAL 3)
+  message(FATAL_ERROR "The guide has ${count} commands, not one each to configure, build and install")
+endif()
 
 set(scratch "${BUILD}/reproducible")
 file(REMOVE_RECURSE "${scratch}")
 foreach(name IN ITEMS first "second place")
   set(tree "${scratch}/${name}")
-  file(COPY "${SOURCE}/CMakeLists.txt" "${SOURCE}/cmake" "${SOURCE}/src" "${SOURCE}/cashservice" DESTINATION "${tree}")
-  execute_process(
-    COMMAND "${CMAKE_COMMAND}" -G Ninja -S "${tree}" -B "${tree}/build" -DCMAKE_BUILD_TYPE=Release
-      -DPARKOMAT_PLATFORM=package "-DTerminalPlatform_DIR=${SOURCE}/tests/plugin/package"
-      "-DPLATFORM_LIBRARIES=${BUILD}/lib" "-DPLATFORM_HEADERS=${SOURCE}/platform" -DPARKOMAT_WERROR=ON
-    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  execute_process(
-    COMMAND "${CMAKE_COMMAND}" --build "${tree}/build" --target parkomatplugin
-    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  execute_process(
-    COMMAND "${CMAKE_COMMAND}" --install "${tree}/build" --prefix "${tree}/installed" --component plugin
-    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  file(COPY "${SOURCE}/CMakeLists.txt" "${SOURCE}/CMakePresets.json" "${SOURCE}/cmake" "${SOURCE}/src"
+    "${SOURCE}/cashservice" DESTINATION "${tree}")
+  foreach(command IN LISTS commands)
+    separate_arguments(command UNIX_COMMAND "${command}")
+    # What the guide leaves to its reader.
+    list(TRANSFORM command REPLACE "^cmake$" "${CMAKE_COMMAND}")
+    list(TRANSFORM command REPLACE "^-DTerminalPlatform_DIR=\\.\\.\\.$"
+      "-DTerminalPlatform_DIR=${SOURCE}/tests/plugin/package")
+    list(TRANSFORM command REPLACE "^\\.\\.\\.$" "installed")
+    execute_process(COMMAND ${command} WORKING_DIRECTORY "${tree}" OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  endforeach()
   file(SHA256 "${tree}/installed/plugins/libparkomatplugin.so" sum)
   list(APPEND sums ${sum})
 endforeach()

@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "scenario/expectations.h"
 
-#include "payee.h"
 #include "terminal.h"
 #include "view/view.h"
+
+#include <algorithm>
 
 namespace kiosk {
 namespace {
@@ -49,13 +50,28 @@ QStringList paymentMismatches(const QMap<QString, QString> &expected, const Ledg
 
 QStringList parameterMismatches(const QMap<QString, QString> &expected, const QList<ProviderParameter> &parameters)
 {
+    QMap<QString, QString> found;
+    for (const ProviderParameter &parameter : parameters)
+        found.insert(parameter.name(), parameter.value());
+    const QString names = found.isEmpty() ? QStringLiteral("none") : found.keys().join(QStringLiteral(", "));
     QStringList mismatches;
     for (auto parameter = expected.cbegin(); parameter != expected.cend(); ++parameter) {
-        const QString found = Payee::valueOf(parameters, parameter.key().toUtf8().constData());
-        if (found != parameter.value())
-            mismatches.append(mismatch(QStringLiteral("parameter ") + parameter.key(), parameter.value(), found));
+        const QString &name = parameter.key();
+        // Where an empty value is expected, a misspelt name must not do.
+        if (!found.contains(name))
+            mismatches.append(QStringLiteral("there is no parameter \"%1\", but %2").arg(name, names));
+        else if (found.value(name) != parameter.value())
+            mismatches.append(mismatch(QStringLiteral("parameter ") + name, parameter.value(), found.value(name)));
     }
     return mismatches;
+}
+
+QStringList buttonMismatches(const std::optional<QStringList> &expected, const QStringList &found)
+{
+    if (!expected || std::is_permutation(expected->cbegin(), expected->cend(), found.cbegin(), found.cend()))
+        return {};
+    const QString comma = QStringLiteral(", ");
+    return {mismatch(QStringLiteral("buttons"), expected->join(comma), found.join(comma))};
 }
 } // namespace
 
@@ -68,6 +84,7 @@ QString difference(const Expectation &expected, const Terminal &terminal, QWidge
     const QString text = view.text();
     if (!text.contains(expected.text))
         mismatches.append(mismatch(QStringLiteral("text"), expected.text, text));
+    mismatches += buttonMismatches(expected.buttons, view.buttons());
     mismatches += parameterMismatches(expected.parameters, terminal.parameters());
     mismatches += paymentMismatches(expected.payment, terminal.receipt().payment);
     if (!mismatches.isEmpty() && text.contains(expected.text))

@@ -32,6 +32,10 @@ void readHost(const YAML::Node &node, YamlReader &reader, HostSettings &host)
 
 void readFile(const YAML::Node &node, YamlReader &reader, Scenario &scenario)
 {
+    if (node.IsNull()) {
+        reader.addMistake(node.Mark(), QStringLiteral("the scenario: it is empty; write its steps"));
+        return;
+    }
     const auto addStep = [&](const YAML::Node &item) { scenario.steps.append(readStep(item, reader)); };
     reader.readMap(node, QStringLiteral("the scenario"),
                    {{QStringLiteral("settings"), pluginSettings(reader, scenario.settings)},
@@ -64,9 +68,12 @@ void parse(const QByteArray &text, const QString &source, YamlReader &reader,
 Scenario readScenario(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    const QByteArray text = isOpen ? file.readAll() : QByteArray();
+    // A file that is open may fail yet, and would look empty.
+    if (file.error() != QFileDevice::NoError)
         throw ScenarioError({QStringLiteral("%1: %2").arg(path, file.errorString())});
-    return readScenario(file.readAll(), path);
+    return readScenario(text, path);
 }
 
 Scenario readScenario(const QByteArray &text, const QString &path)
@@ -80,13 +87,13 @@ Scenario readScenario(const QByteArray &text, const QString &path)
 
 Step readStep(const QString &text, const QString &source)
 {
-    Step step;
-    YamlReader reader;
-    parse(text.toUtf8(), source, reader, [&](const YAML::Node &node) { step = readStep(node, reader); });
-    return step;
-}
-} // namespace kiosk
     // No verb has a blank in it, so a command is nothing else in YAML; a comment is no value.
     static const QRegularExpression command(QStringLiteral("^\\s*([a-z][a-z-]*)\\s+([^#].*)$"));
     const QRegularExpressionMatch match = command.match(text);
     const QString inYaml = match.hasMatch() ? match.captured(1) + QStringLiteral(": ") + match.captured(2) : text;
+    Step step;
+    YamlReader reader;
+    parse(inYaml.toUtf8(), source, reader, [&](const YAML::Node &node) { step = readStep(node, reader); });
+    return step;
+}
+} // namespace kiosk

@@ -6,7 +6,10 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
+
+#include <optional>
 
 namespace kiosk {
 /// What is done to a terminal, in scenarios, by kioskctl and on the bench panel.
@@ -40,7 +43,9 @@ struct Expectation
     QString screen;
     /// A part of what can be read on the topmost view.
     QString text;
-    /// Values of the payee's fields, by their names.
+    /// Each button that can be touched, in any order; an empty list: there is nothing to touch.
+    std::optional<QStringList> buttons;
+    /// Values of the payee's fields, by their names: an empty one is expected too.
     QMap<QString, QString> parameters;
     /// Of the latest payment: "uid", "summ", "total", "change", "outcome".
     QMap<QString, QString> payment;

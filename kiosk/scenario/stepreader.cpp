@@ -109,6 +109,20 @@ ReadNode payment(YamlReader &reader, QMap<QString, QString> &target)
     };
 }
 
+ReadNode buttons(YamlReader &reader, std::optional<QStringList> &target)
+{
+    return [&reader, &target](const YAML::Node &node) {
+        target.emplace();
+        reader.readList(node, QStringLiteral("buttons"), [&](const YAML::Node &item) {
+            QString name;
+            reader.word(BUTTONS, name)(item);
+            if (target->contains(name))
+                reader.addMistake(item.Mark(), QStringLiteral("buttons: \"%1\" is there twice").arg(name));
+            target->append(name);
+        });
+    };
+}
+
 ReadNode expectation(YamlReader &reader, Step &step)
 {
     return [&reader, &expected = step.expectation](const YAML::Node &node) {
@@ -116,6 +130,7 @@ ReadNode expectation(YamlReader &reader, Step &step)
             node, QStringLiteral("expect"),
             {{QStringLiteral("screen"), reader.word(SCREENS, expected.screen)},
              {QStringLiteral("text"), reader.text(expected.text)},
+             {QStringLiteral("buttons"), buttons(reader, expected.buttons)},
              {QStringLiteral("parameters"), texts(reader, QStringLiteral("parameters"), expected.parameters)},
              {QStringLiteral("payment"), payment(reader, expected.payment)},
              {QStringLiteral("within"), reader.number(expected.within)}});
@@ -166,8 +181,8 @@ const QVector<Syntax> &syntaxes()
          [](YamlReader &reader, Step &step) { return pluginSettings(reader, step.values); }},
         {"service", Verb::SetFault, "{fault: RULE}|clear", service},
         {"expect", Verb::Expect,
-         "{screen: NAME, text: TEXT, parameters: {NAME: VALUE}, payment: {uid, summ, total, change, outcome}, "
-         "within: MILLISECONDS}",
+         "{screen: NAME, text: TEXT, buttons: [NAME], parameters: {NAME: VALUE}, "
+         "payment: {uid, summ, total, change, outcome}, within: MILLISECONDS}",
          expectation},
         {"screenshot", Verb::Screenshot, "NAME", screenshotName},
         {"wait", Verb::Wait, "MILLISECONDS",

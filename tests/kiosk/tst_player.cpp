@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
+#include <QPushButton>
 #include <QSignalSpy>
 
 using kiosk::Outcome;
@@ -84,8 +85,10 @@ private Q_SLOTS:
             "(expect: {screen: receipt, within: 0}): after 0 ms: expected screen \"receipt\"; there was \"idle\"");
         row("another text", "expect: {text: a, within: 20}",
             "(expect: {text: a, within: 20}): after 20 ms: expected text \"a\"; there was \"\"");
-        row("another parameter", "expect: {parameters: {a: b}, within: 0}",
-            "expected parameter a \"b\"; there was \"\"");
+        row("buttons where none is", "expect: {buttons: [pay, ok], within: 0}",
+            "expected buttons \"pay, ok\"; there was \"\"");
+        row("a parameter without a payment", "expect: {parameters: {SummToPay: \"\"}, within: 0}",
+            "there is no parameter \"SummToPay\", but none");
         row("no payment", "expect: {payment: {uid: 1}, within: 0}", "expected a payment; there was none");
     }
 
@@ -117,6 +120,64 @@ private Q_SLOTS:
                       bench.stage()),
                  QString());
         QVERIFY(bench.takeCalls().contains(QStringLiteral("card 1")));
+    }
+
+    void expect_ofParameters_takesNoNameForAnother_data()
+    {
+        QTest::addColumn<QByteArray>("parameters");
+        QTest::addColumn<QString>("mismatch");
+        const auto row = [](const char *parameters, const char *mismatch) {
+            QTest::newRow(parameters) << QByteArray(parameters) << QString::fromUtf8(mismatch);
+        };
+        row("SummToPay: '150.00', card_num: '000123456'", "");
+        row("TermNo: ''", "");
+        row("TermNo: '7'", "expected parameter TermNo \"7\"; there was \"\"");
+        row("card_num: ''", "expected parameter card_num \"\"; there was \"000123456\"");
+        row("SumToPay: ''", "there is no parameter \"SumToPay\", but ParkNumber, StartDate, StartTime, SummToPay, "
+                            "TermNo, UIN, card_num");
+        row("termno: ''", "there is no parameter \"termno\", but ");
+    }
+
+    void expect_ofParameters_takesNoNameForAnother()
+    {
+        QFETCH(QByteArray, parameters);
+        QFETCH(QString, mismatch);
+        TerminalBench bench;
+        bench.showDetails();
+        const QString failure = play("  - expect: {within: 0, parameters: {" + parameters + "}}\n", bench.stage());
+        QVERIFY2(mismatch.isEmpty() ? failure.isEmpty() : failure.contains(mismatch), qPrintable(failure));
+    }
+
+    void expect_ofButtons_meansThemAll_data()
+    {
+        QTest::addColumn<QByteArray>("buttons");
+        QTest::addColumn<QString>("mismatch");
+        const auto row = [](const char *buttons, const char *mismatch) {
+            QTest::newRow(buttons) << QByteArray(buttons) << QString::fromUtf8(mismatch);
+        };
+        row("[no, yes]", "");
+        row("[yes, no]", "");
+        row("[yes]", "expected buttons \"yes\"; there was \"yes, no\"");
+        row("[yes, no, pay]", "expected buttons \"yes, no, pay\"; there was \"yes, no\"");
+        row("[]", "expected buttons \"\"; there was \"yes, no\"");
+    }
+
+    void expect_ofButtons_meansThemAll()
+    {
+        QFETCH(QByteArray, buttons);
+        QFETCH(QString, mismatch);
+        TerminalBench bench;
+        int left = 0;
+        for (const char *name : {"yesButton", "noButton", "payButton"}) {
+            auto *const button = new QPushButton(&bench.window());
+            button->setObjectName(QLatin1String(name));
+            button->setEnabled(name != QByteArray("payButton"));
+            button->setGeometry(left, 0, 100, 50);
+            button->show();
+            left += 100;
+        }
+        const QString failure = play("  - expect: {within: 0, buttons: " + buttons + "}\n", bench.stage());
+        QVERIFY2(mismatch.isEmpty() ? failure.isEmpty() : failure.contains(mismatch), qPrintable(failure));
     }
 
     void expect_ofAPayment_looksAtTheLatest_data()

@@ -2,11 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "scenario/scenario.h"
 
+#include "kiosk/ordinaryuser.h"
 #include "support/testcase.h"
 #include "support/workdirectory.h"
 
 #include <QDir>
 #include <QFile>
+
+#include <algorithm>
+
+#include <sys/stat.h>
 
 using kiosk::readScenario;
 using kiosk::readStep;
@@ -24,16 +29,20 @@ QString write(const QByteArray &text)
     return file.fileName();
 }
 
+QStringList mistakesOfFile(const QString &path)
+{
+    try {
+        Q_UNUSED(readScenario(path));
+    } catch (const ScenarioError &error) {
+        return error.mistakes();
+    }
+    return {};
+}
+
 /// Without the folder.
 QStringList mistakesOf(const QByteArray &text)
 {
-    try {
-        Q_UNUSED(readScenario(write(text)));
-    } catch (const ScenarioError &error) {
-        QStringList mistakes = error.mistakes();
-        return mistakes.replaceInStrings(WorkDirectory::path() + QLatin1Char('/'), QString());
-    }
-    return {};
+    return mistakesOfFile(write(text)).replaceInStrings(WorkDirectory::path() + QLatin1Char('/'), QString());
 }
 
 Step step(const QString &text)
@@ -125,18 +134,22 @@ private Q_SLOTS:
     void expect_withEverything_isRead()
     {
         const kiosk::Expectation expected =
-            step(QStringLiteral("expect: {screen: details, text: К оплате, parameters: {SummToPay: '150.00', UIN: a}, "
+            step(QStringLiteral("expect: {screen: details, text: К оплате, buttons: [pay, cancel], "
+                                "parameters: {SummToPay: '150.00', UIN: a}, "
                                 "payment: {uid: 1, summ: 150, total: 155.00, change: 0, outcome: confirmed}, "
                                 "within: 100}"))
                 .expectation;
         QCOMPARE(expected.screen, QStringLiteral("details"));
         QCOMPARE(expected.text, QStringLiteral("К оплате"));
+        QCOMPARE(expected.buttons, (QStringList{QStringLiteral("pay"), QStringLiteral("cancel")}));
         QCOMPARE(expected.parameters, (QMap<QString, QString>{{QStringLiteral("SummToPay"), QStringLiteral("150.00")},
                                                               {QStringLiteral("UIN"), QStringLiteral("a")}}));
         QCOMPARE(expected.payment.size(), 5);
         QCOMPARE(expected.payment.value(QStringLiteral("total")), QStringLiteral("155.00"));
         QCOMPARE(expected.within, 100);
         QCOMPARE(step(QStringLiteral("expect: {}")).expectation.within, 5000);
+        QVERIFY(!step(QStringLiteral("expect: {}")).expectation.buttons);
+        QCOMPARE(step(QStringLiteral("expect: {buttons: []}")).expectation.buttons, QStringList());
     }
 
     void mistake_anywhere_isToldWithItsPlace_data()
@@ -146,7 +159,8 @@ private Q_SLOTS:
         const auto row = [](const char *name, const char *text, const char *mistake) {
             QTest::newRow(name) << QByteArray(text) << QString::fromUtf8(mistake);
         };
-        row("empty file", "", "s.yaml:1:1: the scenario: write KEY: VALUE");
+        row("empty file", "", "s.yaml:1:1: the scenario: it is empty; write its steps");
+        row("comments alone", "# steps:\n", "s.yaml:1:1: the scenario: it is empty; write its steps");
         row("no steps", "settings: {}", "s.yaml:1:1: the scenario: there are no steps");
         row("an empty list", "steps: []", "s.yaml:1:1: the scenario: there are no steps");
         row("no map", "- start", "s.yaml:1:1: the scenario: write KEY: VALUE");
@@ -188,6 +202,12 @@ private Q_SLOTS:
         row("unknown screen", "steps: [expect: {screen: door}]",
             "s.yaml:1:26: \"door\" is none of idle, message, input, details, receipt, service");
         row("unknown expectation", "steps: [expect: {door: idle}]", "s.yaml:1:18: expect: there is no key \"door\"");
+        row("unknown button of several", "steps: [expect: {buttons: [ok, start]}]",
+            "s.yaml:1:32: \"start\" is none of ok, yes, no, next, back, cancel, pay");
+        row("doubled button", "steps: [expect: {buttons: [ok, ok]}]", "s.yaml:1:32: buttons: \"ok\" is there twice");
+        row("buttons that are no list", "steps: [expect: {buttons: ok}]",
+            "s.yaml:1:27: buttons: write a list, each item behind a dash");
+        row("a button that is no text", "steps: [expect: {buttons: [[]]}]", "s.yaml:1:28: write a plain value");
         row("unknown field of a payment", "steps: [expect: {payment: {sum: 1}}]",
             "s.yaml:1:28: payment: there is no key \"sum\"");
         row("unknown outcome", "steps: [expect: {payment: {outcome: paid}}]", "s.yaml:1:37: \"paid\" is none of open,");
@@ -224,20 +244,28 @@ private Q_SLOTS:
     void file_thatCannotBeRead_isAMistake_data()
     {
         QTest::addColumn<QString>("path");
-        QTest::newRow("missing") << "/nonexistent/s.yaml";
-        QTest::newRow("a folder") << "/";
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("missing") << "/nonexistent/s.yaml"
+                                 << "No such file or directory";
+        QTest::newRow("a folder") << "/"
+                                  << "file to open is a directory";
+        QTest::newRow("fails while it is read") << "/proc/self/mem"
+                                                << "Input/output error";
     }
 
     void file_thatCannotBeRead_isAMistake()
     {
         QFETCH(QString, path);
-        try {
-            Q_UNUSED(readScenario(path));
-            QFAIL("it was read");
-        } catch (const ScenarioError &error) {
-            QCOMPARE(error.mistakes().size(), 1);
-            QVERIFY(error.mistakes().first().startsWith(path + QLatin1Char(':')));
-        }
+        QFETCH(QString, reason);
+        QCOMPARE(mistakesOfFile(path), QStringList{path + QStringLiteral(": ") + reason});
+    }
+
+    void file_thatMayNotBeRead_isAMistake()
+    {
+        const QString path = write("steps: [start]");
+        QCOMPARE(::chmod(QFile::encodeName(path).constData(), 0), 0);
+        const OrdinaryUser user;
+        QCOMPARE(mistakesOfFile(path), QStringList{path + QStringLiteral(": Permission denied")});
     }
 
     void step_withAMistake_namesItsSource()
@@ -250,32 +278,6 @@ private Q_SLOTS:
         }
     }
 
-    void syntaxes_ofAllSteps_beginWithTheirVerbs()
-    {
-        const QStringList syntaxes = kiosk::stepSyntaxes();
-        QCOMPARE(syntaxes.size(), 16);
-        QVERIFY(syntaxes.contains(QStringLiteral("start")));
-        QVERIFY(syntaxes.contains(QStringLiteral("cash: AMOUNT")));
-    }
-
-    void shippedScenarios_beginWithACommentAndExpectSomething()
-    {
-        const QDir folder(QStringLiteral(SHIPPED_SCENARIOS));
-        const QStringList names = folder.entryList({QStringLiteral("*.yaml")});
-        QVERIFY2(names.size() >= 25, qPrintable(QString::number(names.size())));
-        for (const QString &name : names) {
-            QFile file(folder.filePath(name));
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            QVERIFY2(file.readLine().startsWith("# "), qPrintable(name));
-            const Scenario scenario = readScenario(file.fileName());
-            QVERIFY2(std::any_of(scenario.steps.cbegin(), scenario.steps.cend(),
-                                 [](const Step &one) { return one.verb == Verb::Expect; }),
-                     qPrintable(name));
-        }
-    }
-};
-
-TEST_MAIN(ScenarioTest)
     void step_asACommand_isTheSame_data()
     {
         QTest::addColumn<QString>("command");
@@ -305,4 +307,30 @@ TEST_MAIN(ScenarioTest)
         QCOMPARE(step(command).caption, caption);
     }
 
+    void syntaxes_ofAllSteps_beginWithTheirVerbs()
+    {
+        const QStringList syntaxes = kiosk::stepSyntaxes();
+        QCOMPARE(syntaxes.size(), 16);
+        QVERIFY(syntaxes.contains(QStringLiteral("start")));
+        QVERIFY(syntaxes.contains(QStringLiteral("cash: AMOUNT")));
+    }
+
+    void shippedScenarios_beginWithACommentAndExpectSomething()
+    {
+        const QDir folder(QStringLiteral(SHIPPED_SCENARIOS));
+        const QStringList names = folder.entryList({QStringLiteral("*.yaml")});
+        QVERIFY2(names.size() >= 25, qPrintable(QString::number(names.size())));
+        for (const QString &name : names) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QVERIFY2(file.readLine().startsWith("# "), qPrintable(name));
+            const Scenario scenario = readScenario(file.fileName());
+            QVERIFY2(std::any_of(scenario.steps.cbegin(), scenario.steps.cend(),
+                                 [](const Step &one) { return one.verb == Verb::Expect; }),
+                     qPrintable(name));
+        }
+    }
+};
+
+TEST_MAIN(ScenarioTest)
 #include "tst_scenario.moc"

@@ -90,9 +90,12 @@ int main(int argc, char **argv)
     QLocalSocket socket;
     socket.connectToServer(socketName);
     if (!socket.waitForConnected())
-        return fail(Unusable, QStringLiteral("no terminal at %1: %2").arg(socketName, socket.errorString()));
+        return fail(Unusable, QStringLiteral("no terminal at %1: %2. Start kiosk with this work directory, or give "
+                                             "--work-dir, or set TERMINAL_WORK_DIR, to the one of a kiosk that runs.")
+                                  .arg(socketName, socket.errorString()));
     const QByteArray answer = ask(socket, step);
     if (answer.isEmpty())
-        return fail(Unusable, QStringLiteral("the terminal ended without an answer"));
+        return fail(Unusable, QStringLiteral("the terminal ended without an answer, and may have done the step or not. "
+                                             "Start kiosk again, and look with kioskctl state."));
     return report(QJsonDocument::fromJson(answer).object());
 }

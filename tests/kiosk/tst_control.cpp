@@ -12,6 +12,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QProcess>
 
@@ -119,7 +120,6 @@ private Q_SLOTS:
         row("unknown button", {QStringLiteral("press"), QStringLiteral("up")}, "step:1:8: \"up\" is none of");
         row("two lines", {QStringLiteral("type"), QStringLiteral("a\nb")}, "a step is one line");
         row("unknown option", {QStringLiteral("--fly"), QStringLiteral("start")}, "fly");
-        row("no terminal", {QStringLiteral("start")}, "no terminal at");
     }
 
     void kioskctl_withBadArguments_isUnusable()
@@ -129,6 +129,45 @@ private Q_SLOTS:
         const Answer answer = kioskctl(arguments);
         QCOMPARE(answer.status, 2);
         QVERIFY2(answer.err.contains(reason), qPrintable(answer.err));
+    }
+
+    /// There never was one, it has ended, or it is about to.
+    void kioskctl_withoutATerminal_isUnusableAndSaysWhatToDo_data()
+    {
+        QTest::addColumn<QByteArray>("terminal");
+        QTest::addColumn<QString>("reason");
+        const QString none = QStringLiteral("kioskctl: no terminal at %1: ").arg(socketName());
+        QTest::newRow("never was") << QByteArray() << none;
+        QTest::newRow("killed") << QByteArray("killed") << none;
+        QTest::newRow("ends instead of an answer")
+            << QByteArray("ends")
+            << "kioskctl: the terminal ended without an answer, and may have done the step or not";
+    }
+
+    void kioskctl_withoutATerminal_isUnusableAndSaysWhatToDo()
+    {
+        QFETCH(QByteArray, terminal);
+        QFETCH(QString, reason);
+        QLocalServer server;
+        if (!terminal.isEmpty())
+            QVERIFY(server.listen(socketName()));
+        connect(&server, &QLocalServer::newConnection, &server, [&] {
+            QLocalSocket *const socket = server.nextPendingConnection();
+            connect(socket, &QLocalSocket::readyRead, socket, &QLocalSocket::close);
+        });
+        if (terminal == "killed") {
+            // Its file stays.
+            const QString aside = socketName() + QLatin1Char('~');
+            QVERIFY(QFile::rename(socketName(), aside));
+            server.close();
+            QVERIFY(QFile::rename(aside, socketName()));
+        }
+        const Answer answer = kioskctl({QStringLiteral("start")});
+        QCOMPARE(QFile::exists(socketName()), !terminal.isEmpty());
+        QCOMPARE(answer.status, 2);
+        QVERIFY2(answer.err.startsWith(reason) && answer.err.contains(QStringLiteral("Start kiosk")),
+                 qPrintable(answer.err));
+        QCOMPARE(answer.out, QString());
     }
 
     void state_ofThePayment_isPrintedAsJson()

@@ -17,7 +17,8 @@ class PluginHost;
 
 /// Has the plugin register the payment with the payee. Blocks until the plugin returns; events are processed meanwhile,
 /// so plugin and session must not go before that.
-/// Where nothing is to be paid the plugin is not asked, and there is nothing left to confirm.
+/// Where nothing is to be paid the plugin is not asked, and there is nothing left to confirm. Nor is a plugin asked
+/// that takes no part in commits (needPaymentPredProcessing): nobody is there to confirm the payment then.
 /// @return Confirmed or Unconfirmed: the plugin tells nothing, so what is not seen to have worked is not known.
 /// Nor is anything of a root object that still owes the answer to an earlier question.
 [[nodiscard]] Outcome commitPayment(PluginHost &host, SessionManager &session, const Payment &payment);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "ledger.h"
 #include "requests.h"
+#include "support/disksyncs.h"
 #include "support/testcase.h"
 #include "support/workdirectory.h"
 
@@ -10,29 +11,7 @@
 #include <atomic>
 #include <thread>
 
-#include <sys/syscall.h>
-#include <unistd.h>
-
 using cash::Registration;
-
-namespace {
-std::atomic<int> syncs = 0;
-}
-
-// SQLite finds these in place of the C library's.
-extern "C" {
-int fsync(int descriptor)
-{
-    ++syncs;
-    return static_cast<int>(::syscall(SYS_fsync, descriptor));
-}
-
-int fdatasync(int descriptor)
-{
-    ++syncs;
-    return static_cast<int>(::syscall(SYS_fdatasync, descriptor));
-}
-}
 
 namespace {
 constexpr cash::Moment AT = 1'709'809'509;
@@ -160,9 +139,9 @@ private Q_SLOTS:
     {
         cash::Ledger ledger(path("durable.db"));
         for (std::int64_t uin = 1; uin <= 5; ++uin) {
-            const int before = syncs;
+            const int before = DiskSyncs::count();
             (void)ledger.registerPayment(payment(uin));
-            QVERIFY(syncs > before);
+            QVERIFY(DiskSyncs::count() > before);
         }
     }
 

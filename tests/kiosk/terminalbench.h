@@ -24,8 +24,9 @@ class TerminalBench
 public:
     using Screen = kiosk::Terminal::Screen;
 
-    explicit TerminalBench(const kiosk::TerminalOptions &options = {})
-        : m_host(QStringLiteral(FAKE_PLUGIN_FILE)), m_ledger(ledgerPath())
+    explicit TerminalBench(const kiosk::TerminalOptions &options = {},
+                           const QString &plugin = QStringLiteral(FAKE_PLUGIN_FILE))
+        : m_host(plugin), m_ledger(ledgerPath())
     {
         m_host.load();
         Q_UNUSED(takeCalls());

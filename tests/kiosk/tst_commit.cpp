@@ -4,6 +4,7 @@
 #include "kiosk/terminalbench.h"
 
 #include "support/testcase.h"
+#include "support/testclock.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -25,6 +26,23 @@ QStringList confirmation(const QStringList &calls)
 QString payCall(const QStringList &calls)
 {
     return calls.filter(QStringLiteral("pay ")).join(QLatin1Char(';'));
+}
+
+const QString FORM = QStringLiteral("screen kiosk::Terminal::Screen::Form");
+
+/// What the terminal has done since the last call, by its log: verbs that it refused, its end, and payments begun.
+QStringList carriedOut()
+{
+    QStringList done;
+    const QList<LogLine> lines = MessageLog::takeIf([](const LogLine &line) { return line.level == QtInfoMsg; });
+    for (const LogLine &line : lines) {
+        for (const QString &what : {QStringLiteral("pay: not now"), QStringLiteral("cancel: not now"),
+                                    QStringLiteral("start: not now"), QStringLiteral("quit"), FORM}) {
+            if (line.text.startsWith(what))
+                done.append(what);
+        }
+    }
+    return done;
 }
 } // namespace
 
@@ -113,6 +131,61 @@ private Q_SLOTS:
         bench->pay();
         WAIT_FOR(bench->screen(), Screen::Receipt);
         QTEST(bench.outcome(), "outcome");
+    }
+
+    /// A clock that is set inside the commit says nothing of how long it took.
+    void timeLimit_whileTheClockIsSet_isMeasuredAllTheSame_data()
+    {
+        QTest::addColumn<int>("setBySeconds");
+        QTest::addColumn<int>("takesSeconds");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::newRow("forward, within the limit") << 7200 << 0 << Outcome::Confirmed;
+        QTest::newRow("back, within the limit") << -7200 << 0 << Outcome::Confirmed;
+        QTest::newRow("forward, behind the limit") << 7200 << 3600 << Outcome::Unconfirmed;
+        QTest::newRow("back, behind the limit") << -7200 << 3600 << Outcome::Unconfirmed;
+    }
+
+    void timeLimit_whileTheClockIsSet_isMeasuredAllTheSame()
+    {
+        QFETCH(int, setBySeconds);
+        QFETCH(int, takesSeconds);
+        TerminalAppSettings().setOnlineCheckTimeout(3600);
+        TerminalBench bench;
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        QTimer::singleShot(50, &bench.terminal(), [&] {
+            TestClock::freeze(QDateTime::currentDateTime().addSecs(setBySeconds));
+            TestClock::skip(1000 * takesSeconds);
+            bench.tellPlugin("letGo");
+        });
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QTEST(bench.outcome(), "outcome");
+    }
+
+    /// Whom nobody tells of the payment cannot confirm it. Nor does he owe an answer to it.
+    void plugin_thatWantsNoPartInTheCommit_isNotAsked()
+    {
+        kiosk::TerminalOptions options;
+        options.keepPlugin = true;
+        TerminalBench bench(options);
+        bench.plan("confirmation", QStringLiteral("not wanted"));
+        bench.showDetails();
+        bench.takeCash("200");
+        bench->pay();
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(payCall(bench.takeCalls()), QString());
+        QCOMPARE(bench.latest().outcome, Outcome::Unconfirmed);
+        QCOMPARE(bench.latest().total.toString(), QStringLiteral("150.00"));
+        QCOMPARE(bench.latest().change.toString(), QStringLiteral("50.00"));
+
+        bench.plan("confirmation", QStringLiteral("taken off"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        WAIT_FOR(bench->screen(), Screen::Receipt);
+        QCOMPARE(bench.latest().outcome, Outcome::Confirmed);
     }
 
     /// What takes the second message off may be the answer to the first payment.
@@ -295,6 +368,60 @@ private Q_SLOTS:
         QCOMPARE(bench.latest().outcome, Outcome::Confirmed);
         QCOMPARE(bench->entries().size(), 1);
         QVERIFY(confirmation(bench.takeCalls()).isEmpty());
+    }
+
+    /// Each as often as it was given, behind the row; what the receipt is in the way of, behind the receipt. A stop
+    /// takes back the starts before it.
+    void verbs_insideACommit_areCarriedOutInTheirOrder_data()
+    {
+        QTest::addColumn<QByteArrayList>("verbs");
+        QTest::addColumn<QStringList>("onTheReceipt");
+        QTest::addColumn<QStringList>("behindIt");
+        const QString pay = QStringLiteral("pay: not now");
+        const QString cancel = QStringLiteral("cancel: not now");
+        const QString start = QStringLiteral("start: not now");
+        const QString quit = QStringLiteral("quit");
+        QTest::newRow("one behind the other") << QByteArrayList{"cancel", "quit", "pay", "cancel"}
+                                              << QStringList{cancel, quit, pay, cancel} << QStringList();
+        QTest::newRow("twice") << QByteArrayList{"quit", "quit"} << QStringList{quit, quit} << QStringList();
+        QTest::newRow("start before the others")
+            << QByteArrayList{"start", "pay", "cancel"} << QStringList{pay, cancel} << QStringList{FORM};
+        QTest::newRow("two starts") << QByteArrayList{"start", "start"} << QStringList() << QStringList{FORM, start};
+        QTest::newRow("a start on each side of a stop")
+            << QByteArrayList{"start", "stop", "start"} << QStringList() << QStringList{FORM};
+        QTest::newRow("start and quit") << QByteArrayList{"start", "quit"} << QStringList{quit} << QStringList{start};
+        QTest::newRow("quit and start") << QByteArrayList{"quit", "start"} << QStringList{quit} << QStringList{start};
+        QTest::newRow("stop and quit") << QByteArrayList{"stop", "quit"} << QStringList{quit} << QStringList();
+    }
+
+    void verbs_insideACommit_areCarriedOutInTheirOrder()
+    {
+        QFETCH(QByteArrayList, verbs);
+        TerminalBench bench;
+        connect(&bench.terminal(), &Terminal::quitReady, &bench.terminal(),
+                [&] { qInfo("%s", bench.latest().outcome == Outcome::Confirmed ? "quit" : "quit without a row"); });
+        bench.plan("confirmation", QStringLiteral("held"));
+        bench.showDetails();
+        bench.takeCash("150");
+        bench->pay();
+        QStringList inside;
+        QTimer::singleShot(50, &bench.terminal(), [&] {
+            Q_UNUSED(carriedOut());
+            for (const QByteArray &verb : verbs)
+                QMetaObject::invokeMethod(&bench.terminal(), verb.constData());
+            inside = carriedOut();
+            bench.tellPlugin("letGo");
+        });
+        WAIT_FOR(bench->isCommitting(), false);
+        QCOMPARE(inside, QStringList());
+        QTEST(carriedOut(), "onTheReceipt");
+        QCOMPARE(bench->closeReceipt(), QString());
+        WAIT_FOR(bench.host().isRenewing(), false);
+        QTEST(carriedOut(), "behindIt");
+        // Nothing is left for later.
+        Q_UNUSED(bench->stop());
+        WAIT_FOR(bench.host().isRenewing(), false);
+        QCOMPARE(carriedOut(), QStringList());
     }
 
     void verb_thatNeedsNoPlugin_insideACommit_isRefused()

@@ -4,6 +4,7 @@
 
 #include "purchase.h"
 
+#include "support/disksyncs.h"
 #include "support/testcase.h"
 #include "support/workdirectory.h"
 
@@ -12,7 +13,9 @@
 #include <QSqlQuery>
 #include <QTextStream>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 using kiosk::Ledger;
 using kiosk::LedgerEntry;
@@ -170,6 +173,26 @@ private Q_SLOTS:
         const Ledger ledger(path());
         QCOMPARE(ledger.entry(1).uid, 0);
         QVERIFY(ledger.latest(10).isEmpty());
+    }
+
+    /// What a call has written survives a power cut: it is on the disk before the call returns.
+    void call_thatWrites_hasReachedTheDisk()
+    {
+        Ledger ledger(path());
+        qint64 uid = 0;
+        const Purchase purchase = purchaseOf(150);
+        const std::pair<const char *, std::function<void()>> calls[] = {
+            {"open", [&] { uid = openPayment(ledger, 150, 100); }},
+            {"addNote", [&] { ledger.addNote(uid, hundredths(amount(50))); }},
+            {"beginCommit", [&] { ledger.beginCommit(uid, purchase); }},
+            {"finishCommit", [&] { ledger.finishCommit(uid, Outcome::Confirmed); }},
+            {"closeReceipt", [&] { ledger.closeReceipt(uid); }},
+        };
+        for (const auto &[name, call] : calls) {
+            const int before = DiskSyncs::count();
+            call();
+            QVERIFY2(DiskSyncs::count() > before, name);
+        }
     }
 
     void file_thatIsNoDatabase_isAnError()

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
 #include "kiosk/fulldisk.h"
+#include "kiosk/ordinaryuser.h"
 #include "kiosk/terminalbench.h"
 #include "ledger/ledger.h"
 #include "purchase.h"
@@ -12,9 +13,9 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
-#include <sys/fsuid.h>
+#include <algorithm>
+
 #include <sys/stat.h>
-#include <unistd.h>
 
 using kiosk::Ledger;
 using kiosk::LedgerBacklog;
@@ -25,47 +26,32 @@ using kiosk::Purchase;
 using Screen = kiosk::Terminal::Screen;
 
 namespace {
-/// Another program is in the middle of writing to the ledger while it lives.
-class SecondWriter
+/// Another program is in the middle of what it does to the ledger while it lives.
+class SecondProgram
 {
 public:
-    SecondWriter()
+    explicit SecondProgram(const QStringList &statements)
     {
         QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), NAME);
         other.setDatabaseName(TerminalBench::ledgerPath());
-        m_isWriting = other.open() && QSqlQuery(other).exec(QStringLiteral("BEGIN IMMEDIATE"));
+        m_isAtIt = other.open() && std::all_of(statements.begin(), statements.end(), [&](const QString &statement) {
+                       return QSqlQuery(other).exec(statement);
+                   });
     }
-    ~SecondWriter()
+    ~SecondProgram()
     {
         QSqlDatabase::database(NAME).exec(QStringLiteral("ROLLBACK"));
         QSqlDatabase::database(NAME).close();
         QSqlDatabase::removeDatabase(NAME);
     }
-    SecondWriter(const SecondWriter &) = delete;
-    SecondWriter &operator=(const SecondWriter &) = delete;
+    SecondProgram(const SecondProgram &) = delete;
+    SecondProgram &operator=(const SecondProgram &) = delete;
 
-    [[nodiscard]] bool isWriting() const { return m_isWriting; }
-
-private:
-    const QString NAME = QStringLiteral("second writer");
-    bool m_isWriting = false;
-};
-
-/// The rights of files count for this thread while it lives, though root may do everything.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser()
-    {
-        if (::geteuid() == 0)
-            ::setfsuid(NOBODY);
-    }
-    ~OrdinaryUser() { ::setfsuid(::geteuid()); }
-    OrdinaryUser(const OrdinaryUser &) = delete;
-    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
+    [[nodiscard]] bool isAtIt() const { return m_isAtIt; }
 
 private:
-    static constexpr uid_t NOBODY = 65534;
+    const QString NAME = QStringLiteral("second program");
+    bool m_isAtIt = false;
 };
 
 /// A payment of 150 with 150 paid in, begun to be committed.
@@ -171,12 +157,25 @@ private Q_SLOTS:
         Ledger ledger(TerminalBench::ledgerPath());
         const qint64 uid = beginPayment(ledger);
         {
-            const SecondWriter writer;
-            QVERIFY(writer.isWriting());
+            const SecondProgram writer({QStringLiteral("BEGIN IMMEDIATE")});
+            QVERIFY(writer.isAtIt());
             QVERIFY_EXCEPTION_THROWN(ledger.finishCommit(uid, Outcome::Confirmed), LedgerError);
         }
         QCOMPARE(ledger.entry(uid).outcome, Outcome::Committing);
         ledger.finishCommit(uid, Outcome::Confirmed);
+        QCOMPARE(ledger.entry(uid).outcome, Outcome::Confirmed);
+    }
+
+    /// Somebody copies the ledger: no note has to be given back for that, no outcome waits.
+    void call_whileASecondProgramReads_isWrittenAtOnce()
+    {
+        Ledger ledger(TerminalBench::ledgerPath());
+        const qint64 uid = beginPayment(ledger);
+        const SecondProgram reader({QStringLiteral("BEGIN"), QStringLiteral("SELECT * FROM payments")});
+        QVERIFY(reader.isAtIt());
+        ledger.addNote(uid, FixNumber(100, 5000));
+        ledger.finishCommit(uid, Outcome::Confirmed);
+        QCOMPARE(ledger.entry(uid).cash.toString(), QStringLiteral("200.00"));
         QCOMPARE(ledger.entry(uid).outcome, Outcome::Confirmed);
     }
 

@@ -4,6 +4,7 @@
 
 #include "kiosk/terminalbench.h"
 
+#include "support/disksyncs.h"
 #include "support/testcase.h"
 
 #include <QApplication>
@@ -83,10 +84,15 @@ private Q_SLOTS:
         bench.showDetails();
         QSignalSpy changed(&bench.terminal(), &Terminal::purchaseChanged);
         QString inLedger;
-        QObject::connect(&bench.terminal(), &Terminal::purchaseChanged, &bench.terminal(),
-                         [&] { inLedger = bench.latest().cash.toString(); });
+        bool isOnTheDisk = false;
+        const int before = DiskSyncs::count();
+        QObject::connect(&bench.terminal(), &Terminal::purchaseChanged, &bench.terminal(), [&] {
+            inLedger = bench.latest().cash.toString();
+            isOnTheDisk = DiskSyncs::count() > before;
+        });
         QCOMPARE(bench.takeCash("100"), QString());
         QCOMPARE(changed.count(), 1);
+        QVERIFY(isOnTheDisk);
         QCOMPARE(inLedger, QStringLiteral("100.00"));
         QCOMPARE(bench.latest().cardNumber, QStringLiteral("000123456"));
         QCOMPARE(bench.latest().parkingSession, QStringLiteral("77"));
@@ -162,6 +168,32 @@ private Q_SLOTS:
         QCOMPARE(bench->cancel(), QString());
         QCOMPARE(bench.takeCalls(), QStringList{QStringLiteral("permitCancel")});
         QCOMPARE(bench->screen(), Screen::Form);
+    }
+
+    void cancel_ofAPluginWithoutAQuestion_endsThePayment_data()
+    {
+        QTest::addColumn<bool>("hasDetails");
+        QTest::newRow("on the form") << false;
+        QTest::newRow("on the details") << true;
+    }
+
+    void cancel_ofAPluginWithoutAQuestion_endsThePayment()
+    {
+        QFETCH(bool, hasDetails);
+        TerminalBench bench({}, QStringLiteral(MUTED_PLUGIN_FILE));
+        bench->start();
+        if (hasDetails)
+            bench.signal("needShowPayDetail");
+        Q_UNUSED(bench.takeCalls());
+        QCOMPARE(bench->cancel(), QString());
+        QCOMPARE(bench->screen(), Screen::Idle);
+        WAIT_FOR(bench.host().isRenewing(), false);
+        QVERIFY(bench.takeCalls().contains(QStringLiteral("stop")));
+        QVERIFY(bench->entries().isEmpty());
+        const auto isOfTheQuestion = [](const LogLine &line) {
+            return line.text.contains(QStringLiteral("permitCancel"));
+        };
+        QCOMPARE(MessageLog::takeIf(isOfTheQuestion).size(), 1);
     }
 
     void cancel_withMoney_isRefused()

@@ -67,9 +67,10 @@ public:
 /// A plugin that does what a test plans, writes down what the terminal does, and complains where the terminal breaks
 /// its contract. A test reaches it as the terminal does, by its root object.
 ///
-/// Plans: "confirmation" (see confirm()), "form" and "settings" ("none"). FAKE_PLUGIN in the environment says what the
-/// library does while it is loaded ("dies", "ends", "hangs"), whom it takes payments for ("another payee"), and that a
-/// card of 150.00 brings up the details and its confirmation never ends ("never returns", "stands still").
+/// Plans: "confirmation" ("not wanted", "dies", and see confirm()), "form" and "settings" ("none"). FAKE_PLUGIN in the
+/// environment says what the library does while it is loaded ("dies", "ends", "hangs"), whom it takes payments for
+/// ("another payee"), and that a card of 150.00 brings up the details and its confirmation never ends ("never returns",
+/// "stands still").
 class FakePlugin : public QObject, public IPayByProvider
 {
     Q_OBJECT
@@ -115,7 +116,10 @@ public:
     QVariantList getStompFilters() override { return {}; }
     bool needRestartIfExists() override { return true; }
     bool hasSettingsWidget() override { return plans().value(QStringLiteral("settings")) != QStringLiteral("none"); }
-    bool needPaymentPredProcessing() override { return true; }
+    bool needPaymentPredProcessing() override
+    {
+        return plans().value(QStringLiteral("confirmation")) != QStringLiteral("not wanted");
+    }
 
     bool setMessageReciever(QObject *receiver, const char *slot) override
     {
@@ -180,6 +184,7 @@ public:
 
     void doPaymentPredProcessing(SessionManager *session, PayPack *pack) override
     {
+        require(needPaymentPredProcessing(), "doPaymentPredProcessing() is wanted");
         require(session != nullptr && session == m_session, "the session is the payment's");
         require(pack != nullptr && pack->payments().size() == 1, "the pack has the payment");
         const Payment payment = pack->payments().value(0);

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
+#include "guiclient/messagetext.h"
 #include "kiosk/looks/contrast.h"
 #include "kiosk/looks/goldenimage.h"
 #include "kiosk/looks/lookchecks.h"
@@ -71,6 +72,7 @@ private Q_SLOTS:
         QCOMPARE(LookChecks::overlapping(stage.widget()), QStringList());
         QCOMPARE(LookChecks::nameless(stage.widget()), QStringList());
         QCOMPARE(LookChecks::smallTargets(stage.widget(), 64), QStringList());
+        QCOMPARE(LookChecks::smallTexts(stage.widget(), 20), QStringList());
         QCOMPARE(LookChecks::paleTexts(stage.widget(), 4.5), QStringList());
     }
 
@@ -172,6 +174,39 @@ private Q_SLOTS:
         const QStringList expected = {QStringLiteral("QPushButton \"Б\" 'Б' is 64 x 63"),
                                       QStringLiteral("QPushButton \"В\" 'В' is 63 x 64")};
         QCOMPARE(LookChecks::smallTargets(stage.widget(), 64), expected);
+    }
+
+    void smallTexts_areFound_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<QStringList>("faults");
+        const QString label = QStringLiteral("QLabel \"Текст\" 'Текст' has letters of 17 pixels");
+        const QString button = QStringLiteral("QPushButton \"Кнопка\" 'Кнопка' has letters of 17 pixels");
+        QTest::newRow("just large enough") << "* { font-size: 18px; }" << QStringList();
+        QTest::newRow("a text") << "QLabel { font-size: 17px; }" << QStringList{label};
+        QTest::newRow("a button") << "QPushButton { font-size: 17px; }" << QStringList{button};
+        QTest::newRow("an empty line") << "QLineEdit { font-size: 17px; }" << QStringList();
+    }
+
+    void smallTexts_areFound()
+    {
+        QFETCH(const QString, style);
+        auto content = page(style);
+        placed<QLabel>(*content, {10, 10, 200, 40}, QStringLiteral("Текст"));
+        placed<QPushButton>(*content, {10, 60, 200, 64}, QStringLiteral("Кнопка"));
+        placed<QLineEdit>(*content, {10, 140, 200, 64});
+        Rendering::Stage stage(std::move(content), SIZE);
+        QTEST(LookChecks::smallTexts(stage.widget(), 18), "faults");
+    }
+
+    void smallTexts_ofAMessageThatHadToShrink_areFound()
+    {
+        auto content = page(QStringLiteral("* { font-size: 40px; }"));
+        auto *text = placed<MessageText>(*content, {10, 10, 380, 280}, QStringLiteral("Подождите"));
+        Rendering::Stage stage(std::move(content), SIZE);
+        QCOMPARE(LookChecks::smallTexts(stage.widget(), 40), QStringList());
+        text->setText(QStringLiteral("Подождите, пожалуйста. ").repeated(20));
+        QCOMPARE(LookChecks::smallTexts(stage.widget(), 40).size(), 1);
     }
 
     void paleTexts_areMeasuredAsDrawn_data()

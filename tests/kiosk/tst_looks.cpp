@@ -32,6 +32,8 @@ private Q_SLOTS:
 
 namespace {
 constexpr int LEAST_TARGET = 64;
+/// In pixels, for who stands before it: 5 mm from line to line on a terminal of 15 inches.
+constexpr int LEAST_LETTERS = 18;
 constexpr double LEAST_CONTRAST = 4.5;
 
 QVector<QSize> sizes()
@@ -67,6 +69,7 @@ QString faultsOf(QWidget &window)
                           together("overlapping", LookChecks::overlapping(window)),
                           together("without a name", LookChecks::nameless(window)),
                           together("too small to touch", LookChecks::smallTargets(window, LEAST_TARGET)),
+                          together("too small to read", LookChecks::smallTexts(window, LEAST_LETTERS)),
                           together("too pale", LookChecks::paleTexts(window, LEAST_CONTRAST))};
     faults.removeAll(QString());
     return faults.join(QLatin1Char('\n'));

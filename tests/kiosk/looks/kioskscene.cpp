@@ -87,8 +87,8 @@ void KioskScene::type(const QString &text)
 void KioskScene::readCard()
 {
     require(m_service.listen(QHostAddress::LocalHost), "there is no port for the cash service");
-    kiosk::PluginSettings::write({{QStringLiteral("csHost"), QStringLiteral("127.0.0.1")},
-                                  {QStringLiteral("csPort"), m_service.serverPort()}});
+    kiosk::PluginSettings::write(
+        {{QStringLiteral("csHost"), QStringLiteral("127.0.0.1")}, {QStringLiteral("csPort"), m_service.serverPort()}});
     const QString refused = terminal().readCard({{QStringLiteral("id"), QStringLiteral("2018915346")},
                                                  {QStringLiteral("cardId"), QStringLiteral("000123456")},
                                                  {QStringLiteral("pdata"), QString(32, QLatin1Char('0'))}});

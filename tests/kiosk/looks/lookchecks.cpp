@@ -11,6 +11,7 @@
 #include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QComboBox>
+#include <QFontInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollArea>
@@ -132,6 +133,12 @@ QString textFault(QWidget &widget)
     return {};
 }
 
+int letterSize(QWidget &widget)
+{
+    auto *message = qobject_cast<MessageText *>(&widget);
+    return message != nullptr ? message->letterSize() : QFontInfo(widget.font()).pixelSize();
+}
+
 /// What is in a scroll area may stick out of it.
 bool isScrolled(const QWidget &widget)
 {
@@ -201,6 +208,20 @@ QStringList smallTargets(QWidget &window, int side)
         if (control->width() < side || control->height() < side)
             faults.append(
                 QStringLiteral("%1 is %2 x %3").arg(named(*control)).arg(control->width()).arg(control->height()));
+    }
+    return faults;
+}
+
+QStringList smallTexts(QWidget &window, int least)
+{
+    QStringList faults;
+    const auto parts = seen(window, isPart);
+    for (QWidget *part : parts) {
+        if (isBlank(*part))
+            continue;
+        const int size = letterSize(*part);
+        if (size < least)
+            faults.append(QStringLiteral("%1 has letters of %2 pixels").arg(named(*part)).arg(size));
     }
     return faults;
 }

@@ -17,6 +17,8 @@ namespace LookChecks {
 [[nodiscard]] QStringList nameless(QWidget &window);
 /// Controls that are lower or narrower than @a side pixels.
 [[nodiscard]] QStringList smallTargets(QWidget &window, int side);
+/// Texts and captions in letters of less than @a least pixels, as they are drawn: message texts make theirs fit.
+[[nodiscard]] QStringList smallTexts(QWidget &window, int least);
 /// Texts whose colour and ground, as they are drawn, have less contrast than @a ratio, as WCAG counts it.
 [[nodiscard]] QStringList paleTexts(QWidget &window, double ratio);
 } // namespace LookChecks

@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QCoreApplication>
+#include <QHash>
 #include <QLabel>
 #include <QPixmap>
 
@@ -15,6 +16,17 @@ QString longer(const QString &text)
 {
     const QString more = text.left(text.size() * 2 / 5).trimmed();
     return more.isEmpty() ? text : text + QLatin1Char(' ') + more;
+}
+
+/// @return whether they were shown already.
+bool show(const QHash<QWidget *, QString> &texts)
+{
+    bool wereShown = true;
+    for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
+        wereShown = wereShown && text.key()->property("text") == text.value();
+        text.key()->setProperty("text", text.value());
+    }
+    return wereShown;
 }
 } // namespace
 
@@ -54,12 +66,17 @@ QImage picture(QWidget &widget)
 
 void lengthenTexts(QWidget &widget)
 {
-    const auto labels = widget.findChildren<QLabel *>();
-    for (QLabel *label : labels)
-        label->setText(longer(label->text()));
-    const auto buttons = widget.findChildren<QAbstractButton *>();
-    for (QAbstractButton *button : buttons)
-        button->setText(longer(button->text()));
-    settle(widget);
+    QHash<QWidget *, QString> texts;
+    const auto all = widget.findChildren<QWidget *>();
+    for (QWidget *part : all) {
+        if (qobject_cast<QLabel *>(part) != nullptr || qobject_cast<QAbstractButton *>(part) != nullptr)
+            texts.insert(part, longer(part->property("text").toString()));
+    }
+    // A view that makes room for them may have the terminal set its own texts again: then they are made longer again.
+    constexpr int rounds = 3;
+    for (int i = 0; i < rounds && !show(texts); ++i)
+        settle(widget);
+    if (!show(texts))
+        qFatal("the longer texts do not stay");
 }
 } // namespace Rendering

@@ -32,6 +32,7 @@ void settle(QWidget &widget);
 /// The widget as a customer sees it.
 [[nodiscard]] QImage picture(QWidget &widget);
 
-/// Makes each text that the widget shows 40 % longer, as a translation may be.
+/// Makes each text that the widget shows 40 % longer, as a translation may be. It ends the program where they do not
+/// stay so.
 void lengthenTexts(QWidget &widget);
 } // namespace Rendering

@@ -8,6 +8,7 @@
 #include "kiosk/looks/servicescenes.h"
 #include "window/receiptscreen.h"
 #include "window/screens.h"
+#include "window/startwindow.h"
 
 namespace Scene {
 namespace {
@@ -17,6 +18,11 @@ using kiosk::Screens;
 std::unique_ptr<Screens> screens()
 {
     return std::make_unique<Screens>(Samples::terminal());
+}
+
+std::unique_ptr<QWidget> starting()
+{
+    return std::make_unique<kiosk::StartWindow>(Samples::terminal());
 }
 
 std::unique_ptr<QWidget> idle()
@@ -101,6 +107,7 @@ std::unique_ptr<QWidget> receiptInterrupted()
 const QVector<Row> &all()
 {
     static const QVector<Row> rows = {
+        {QStringLiteral("starting"), starting},
         {QStringLiteral("idle"), idle},
         {QStringLiteral("idle-refused"), idleRefused},
         {QStringLiteral("form-wait-card"), FormScenes::waitCard},
@@ -143,6 +150,7 @@ const QVector<Row> &all()
         {QStringLiteral("service-plugin"), ServiceScenes::plugin},
         {QStringLiteral("broken"), ServiceScenes::broken},
         {QStringLiteral("broken-library"), ServiceScenes::brokenLibrary},
+        {QStringLiteral("broken-ledger"), ServiceScenes::brokenLedger},
     };
     return rows;
 }

@@ -8,6 +8,7 @@
 #include "window/brokenscreen.h"
 #include "window/screens.h"
 #include "window/servicescreen.h"
+#include "window/startwindow.h"
 
 namespace ServiceScenes {
 namespace {
@@ -100,5 +101,14 @@ std::unique_ptr<QWidget> brokenLibrary()
                        "open shared object file: No such file or directory)")
             .arg(identity.path),
         identity);
+}
+
+std::unique_ptr<QWidget> brokenLedger()
+{
+    auto window = std::make_unique<kiosk::StartWindow>(Samples::terminal());
+    const QString path = QStringLiteral("/var/lib/payment-terminal/kiosk.db");
+    window->showLedgerFailure(
+        QStringLiteral("the ledger: %1: unable to open database file Error opening database").arg(path), path);
+    return window;
 }
 } // namespace ServiceScenes

@@ -20,4 +20,5 @@ namespace ServiceScenes {
 [[nodiscard]] std::unique_ptr<QWidget> plugin();
 [[nodiscard]] std::unique_ptr<QWidget> broken();
 [[nodiscard]] std::unique_ptr<QWidget> brokenLibrary();
+[[nodiscard]] std::unique_ptr<QWidget> brokenLedger();
 } // namespace ServiceScenes

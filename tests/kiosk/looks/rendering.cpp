@@ -3,12 +3,16 @@
 #include "kiosk/looks/rendering.h"
 
 #include "support/messagelog.h"
+#include "window/paymentscreen.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
 #include <QHash>
 #include <QLabel>
 #include <QPixmap>
+#include <QSignalBlocker>
+
+#include <vector>
 
 namespace Rendering {
 namespace {
@@ -16,17 +20,6 @@ QString longer(const QString &text)
 {
     const QString more = text.left(text.size() * 2 / 5).trimmed();
     return more.isEmpty() ? text : text + QLatin1Char(' ') + more;
-}
-
-/// @return whether they were shown already.
-bool show(const QHash<QWidget *, QString> &texts)
-{
-    bool wereShown = true;
-    for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
-        wereShown = wereShown && text.key()->property("text") == text.value();
-        text.key()->setProperty("text", text.value());
-    }
-    return wereShown;
 }
 } // namespace
 
@@ -66,17 +59,23 @@ QImage picture(QWidget &widget)
 
 void lengthenTexts(QWidget &widget)
 {
+    // A view that makes room for the longer texts has the terminal set its own texts again, which are the short ones.
+    std::vector<QSignalBlocker> blockers;
+    const auto screens = widget.findChildren<kiosk::PaymentScreen *>();
+    for (kiosk::PaymentScreen *screen : screens)
+        blockers.emplace_back(screen);
     QHash<QWidget *, QString> texts;
     const auto all = widget.findChildren<QWidget *>();
     for (QWidget *part : all) {
         if (qobject_cast<QLabel *>(part) != nullptr || qobject_cast<QAbstractButton *>(part) != nullptr)
             texts.insert(part, longer(part->property("text").toString()));
     }
-    // A view that makes room for them may have the terminal set its own texts again: then they are made longer again.
-    constexpr int rounds = 3;
-    for (int i = 0; i < rounds && !show(texts); ++i)
-        settle(widget);
-    if (!show(texts))
-        qFatal("the longer texts do not stay");
+    for (auto text = texts.cbegin(); text != texts.cend(); ++text)
+        text.key()->setProperty("text", text.value());
+    settle(widget);
+    for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
+        if (text.key()->property("text") != text.value())
+            qFatal("a longer text does not stay: %s", qPrintable(text.value()));
+    }
 }
 } // namespace Rendering

@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: The parkomat-plugin authors
 // SPDX-License-Identifier: MIT
 #include "core/terminalappsettings.h"
+#include "guiclient/formviewer.h"
+#include "guiclient/widgetnames.h"
 #include "kiosk/mood.h"
 #include "kiosk/shownwindow.h"
 #include "support/testcase.h"
 #include "window/brokenscreen.h"
 #include "window/holdbutton.h"
 #include "window/idlescreen.h"
+#include "window/look.h"
 #include "window/paymentscreen.h"
 #include "window/receiptscreen.h"
 #include "window/servicescreen.h"
@@ -140,6 +143,17 @@ private Q_SLOTS:
                                    host.identity().qtVersion, QStringLiteral("Позвоните: 112")};
         for (const QString &fact : facts)
             QVERIFY2(!fact.isEmpty() && text.contains(fact), qPrintable(fact + QLatin1Char('\n') + text));
+    }
+
+    void project_hasTheMessageView_ofEachScreen()
+    {
+        for (const bool isUpright : {false, true}) {
+            FormViewer form(nullptr);
+            QVERIFY(form.loadFromFile(kiosk::Look::projectDir() + QLatin1Char('/') +
+                                          WidgetNames(isUpright).messageViewFileName(),
+                                      QStringLiteral("view"), {}));
+            QVERIFY(form.getUi(QStringLiteral("view"))->findChild<QWidget *>(QStringLiteral("messageText")) != nullptr);
+        }
     }
 
     void window_closed_quitsTheTerminal()

@@ -25,6 +25,9 @@ QString withBlanksBehindSigns(QString function)
 
 void keep(QtMsgType level, const QMessageLogContext &context, const QString &text)
 {
+    // Nobody will take it: the program ends with it.
+    if (level == QtFatalMsg)
+        previousHandler(level, context, text);
     const std::lock_guard lock(mutex);
     lines.append({level, QString::fromUtf8(context.category), QString::fromUtf8(context.file), context.line,
                   withBlanksBehindSigns(QString::fromUtf8(context.function)), text});

@@ -19,6 +19,7 @@
 #include <memory>
 #include <thread>
 
+#include <sys/resource.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -158,6 +159,13 @@ private Q_SLOTS:
         QVERIFY(child->readAll().contains("unexpected in the log"));
     }
 
+    void log_withAFatalLine_isPrinted()
+    {
+        const auto child = ChildProcess::start("givesUp");
+        QCOMPARE(ChildProcess::finish(*child), -1);
+        QVERIFY(child->readAll().contains("this cannot go on"));
+    }
+
     void workDirectory_ofAChild_isTheParents()
     {
         const auto child = ChildProcess::start("makesAFile");
@@ -202,6 +210,15 @@ TEST_CHILD(leavesAWarning)
 {
     CarelessTest test;
     return QTest::qExec(&test, QStringList{QStringLiteral("careless")});
+}
+
+TEST_CHILD(givesUp)
+{
+    const MessageLog log;
+    // No core file is left of it.
+    const rlimit none = {};
+    ::setrlimit(RLIMIT_CORE, &none);
+    qFatal("this cannot go on");
 }
 
 TEST_CHILD(makesAFile)

@@ -24,17 +24,21 @@ struct Played
     QString said;
 };
 
-/// Plays a scenario to its end. @param platform for QT_QPA_PLATFORM; empty: not set. There is no display.
-Played play(const QString &path, const QStringList &arguments = {},
-            const QString &platform = QStringLiteral("offscreen"))
+/// An environment without a display. @param platform for QT_QPA_PLATFORM; empty: not set.
+QProcessEnvironment withoutADisplay(const QString &platform)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("DISPLAY"));
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     if (!platform.isEmpty())
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
-    // Qt tells which of its libraries it loads.
-    environment.insert(QStringLiteral("QT_DEBUG_PLUGINS"), QStringLiteral("1"));
+    return environment;
+}
+
+/// Plays a scenario to its end.
+Played play(const QString &path, const QStringList &arguments = {},
+            const QProcessEnvironment &environment = withoutADisplay(QStringLiteral("offscreen")))
+{
     QProcess kiosk;
     kiosk.setProcessEnvironment(environment);
     kiosk.setProcessChannelMode(QProcess::MergedChannels);
@@ -80,7 +84,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, platform);
         QFETCH(QString, library);
-        const Played played = play(scenario(IDLE), {}, platform);
+        QProcessEnvironment environment = withoutADisplay(platform);
+        // Qt tells which of its libraries it loads.
+        environment.insert(QStringLiteral("QT_DEBUG_PLUGINS"), QStringLiteral("1"));
+        const Played played = play(scenario(IDLE), {}, environment);
         QVERIFY2(played.status == 0, qPrintable(played.said));
         const QStringList lines = played.said.split(QLatin1Char('\n'));
         const QStringList loaded = lines.filter(QStringLiteral("loaded library")).filter(QStringLiteral("/platforms/"));

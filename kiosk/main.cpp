@@ -27,6 +27,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -152,6 +153,9 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     const SignalWatch signalWatch;
     applySettings(arguments, scenario);
     StartWindow startWindow(terminalInfo());
+    // In the corner: a bench panel opens beside it.
+    if (!arguments.bench.isEmpty())
+        startWindow.move(startWindow.screen()->availableGeometry().topLeft());
     show(startWindow, arguments);
     Startup startup(startWindow);
     const auto endsStartup = QObject::connect(&signalWatch, &SignalWatch::endWanted, &startup, &Startup::end);
@@ -176,6 +180,7 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     }
     Terminal terminal(host, *ledger, options);
     KioskWindow window(terminal);
+    window.move(startWindow.pos());
     show(window, arguments);
     startWindow.hide();
 
@@ -186,8 +191,7 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     std::optional<BenchPanel> panel;
     if (!arguments.bench.isEmpty() && !scenario && QGuiApplication::platformName() != QLatin1String("offscreen")) {
         panel.emplace(stage, arguments.bench);
-        panel->moveBeside(window);
-        panel->show();
+        panel->openBeside(window);
     }
     ControlServer control(stage);
     const QString reason = control.listen(controlSocket(InitConfig::workDir()));

@@ -15,9 +15,12 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
+
+#include <algorithm>
 
 using kiosk::BenchPanel;
 using kiosk::Outcome;
@@ -77,6 +80,16 @@ private:
     kiosk::ServiceFaults m_faults;
     Rendering::Stage m_stage;
 };
+
+/// A card's button has two lines. Null without cards.
+QPushButton *cardButton(const QWidget &panel)
+{
+    const auto buttons = panel.findChildren<QPushButton *>();
+    const auto found = std::find_if(buttons.cbegin(), buttons.cend(), [](const QPushButton *button) {
+        return button->text().contains(QLatin1Char('\n'));
+    });
+    return found == buttons.cend() ? nullptr : *found;
+}
 } // namespace
 
 class BenchPanelTest : public TestCase
@@ -271,6 +284,37 @@ private Q_SLOTS:
         const int room = screen.width() - panel.sizeHint().width();
         QCOMPARE(panel.x() - screen.left(), qMax(0, qMin(room, windowsRight)));
         QCOMPARE(panel.y(), screen.top());
+        MessageLog::drop();
+    }
+
+    void panel_openedBesideTheWindow_comesOnceWithTheAnswer_data()
+    {
+        QTest::addColumn<bool>("hasService");
+        QTest::newRow("cards") << true;
+        QTest::newRow("no service") << false;
+    }
+
+    void panel_openedBesideTheWindow_comesOnceWithTheAnswer()
+    {
+        QFETCH(bool, hasService);
+        const CashService service;
+        TerminalBench bench;
+        BenchPanel panel({bench.terminal(), bench.window()},
+                         QUrl(QStringLiteral("http://127.0.0.1:%1").arg(hasService ? service.port() : 1)));
+        bench.window().move(0, 0);
+        panel.openBeside(bench.window());
+        QVERIFY(!panel.isVisible());
+        WAIT_FOR(panel.isVisible(), true);
+        QCOMPARE(panel.size(), panel.sizeHint());
+        const QPointer<QPushButton> card = cardButton(panel);
+        QCOMPARE(!card.isNull(), hasService);
+
+        // Who closes it is done with it, although each commit has the cards shown anew.
+        panel.close();
+        Q_EMIT bench->committingChanged(true);
+        if (hasService)
+            WAIT_FOR(card.isNull(), true);
+        QVERIFY(!panel.isVisible());
         MessageLog::drop();
     }
 

@@ -76,6 +76,21 @@ BenchPanel::BenchPanel(const Stage &stage, const QUrl &admin, QWidget *parent)
     m_carPark.ask();
 }
 
+void BenchPanel::openBeside(const QWidget &window)
+{
+    // Once: later answers leave a panel closed that somebody has closed.
+    auto *opening = new QObject(this);
+    const auto open = [this, &window, opening] {
+        opening->deleteLater();
+        // By itself a window takes two thirds of the screen at first, and grows above its upper edge.
+        resize(sizeHint());
+        moveBeside(window);
+        show();
+    };
+    connect(&m_carPark, &CarPark::answered, opening, open);
+    connect(&m_carPark, &CarPark::failed, opening, open);
+}
+
 void BenchPanel::moveBeside(const QWidget &window)
 {
     const QRect screen = window.screen()->availableGeometry();
@@ -185,7 +200,8 @@ void BenchPanel::showOutcome()
     if (!m_told.isEmpty())
         lines.prepend(m_told);
     m_outcome->setText(lines.join(QLatin1Char('\n')));
-    // A window does not grow by itself with a text that breaks into lines.
-    resize(width(), std::max(height(), heightForWidth(width())));
+    // A window does not grow by itself with a text that breaks into lines; one that is not shown yet has no size.
+    if (isVisible())
+        resize(width(), std::max(height(), heightForWidth(width())));
 }
 } // namespace kiosk

@@ -38,7 +38,8 @@ QString read(const QWidget &window)
     return text.remove(QChar(0x200B));
 }
 
-template <typename Screen> bool isUp(const QWidget &window)
+template <typename Screen>
+bool isUp(const QWidget &window)
 {
     return window.findChild<Screen *>()->isVisible();
 }

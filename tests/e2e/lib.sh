@@ -4,6 +4,7 @@
 # What the tests written for the shell have in common. To be sourced by one whose first argument is the build folder; it has
 # set -euo pipefail. All that it starts ends with it.
 
+# shellcheck disable=SC2034 # the tests use it
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$1
 scratch=$(mktemp -d)

@@ -64,6 +64,10 @@ start_screen()
     export DISPLAY QT_QPA_PLATFORM=xcb
     # What a desktop may have set.
     unset WAYLAND_DISPLAY XAUTHORITY QT_SCALE_FACTOR QT_FONT_DPI QT_AUTO_SCREEN_SCALE_FACTOR
+    # Nor the desktop's session bus: Qt's platform would have one started for this screen, which nobody would end.
+    export DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent
+    # libxkbcommon-x11 copies a part of a buffer that has no end of string, as strndup lets it; the strict checks do not.
+    export ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}intercept_strndup=0
 }
 
 # places_of TITLE: where the windows of that title are on the screen, each "LEFT TOP RIGHT BOTTOM", the last two behind it.

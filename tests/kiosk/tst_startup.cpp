@@ -71,21 +71,27 @@ private Q_SLOTS:
         ShownStartWindow window;
         QVERIFY(isUp<kiosk::StartingScreen>(window));
         Startup startup(window);
-        // Some tries later somebody takes the file away.
+        // After the second try somebody takes the file away.
         QString shown;
-        QTimer::singleShot(50, &window, [&] {
-            shown = read(window);
+        int tries = 0;
+        QTimer look;
+        connect(&look, &QTimer::timeout, &window, [&] {
+            const QList<LogLine> log = MessageLog::take();
+            tries += static_cast<int>(log.size());
+            QVERIFY(log.isEmpty() || log.first().level == QtCriticalMsg);
+            if (tries < 2 || !shown.isEmpty())
+                return;
             QVERIFY(isUp<kiosk::BrokenScreen>(window));
-            file.remove();
+            shown = read(window);
+            QVERIFY(file.remove());
         });
+        look.start(0);
         const auto ledger = startup.openLedger(ledgerPath(), std::chrono::milliseconds(10));
         QVERIFY(ledger != nullptr);
         QVERIFY(shown.contains(QStringLiteral("Журнал платежей не открывается")));
         QVERIFY2(shown.contains(ledgerPath()) && shown.contains(QStringLiteral("not a database")), qPrintable(shown));
         QVERIFY(isUp<kiosk::StartingScreen>(window));
-        const QList<LogLine> log = MessageLog::take();
-        QVERIFY(log.size() > 1);
-        QCOMPARE(log.first().level, QtCriticalMsg);
+        MessageLog::drop();
         // Nothing is left of the tries.
         QCOMPARE(QSqlDatabase::connectionNames().size(), 1);
     }

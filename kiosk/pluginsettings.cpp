@@ -34,13 +34,23 @@ QString PluginSettings::mistake(const QString &key, const QString &value)
     return {};
 }
 
-void PluginSettings::write(const QVariantMap &settings)
+QString PluginSettings::write(const QVariantMap &settings)
 {
-    TerminalAppSettings stored;
-    for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting) {
-        const QString text = setting.value().toString();
-        stored.setPluginSettingsValue(QLatin1String(GROUP), setting.key(),
-                                      setting.key() == QLatin1String(PORT) ? QString::number(text.toUShort()) : text);
-    }
+    return whyNotWritten([&settings] {
+        TerminalAppSettings stored;
+        for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting) {
+            const QString text = setting.value().toString();
+            const QString value = setting.key() == QLatin1String(PORT) ? QString::number(text.toUShort()) : text;
+            stored.setPluginSettingsValue(QLatin1String(GROUP), setting.key(), value);
+        }
+    });
+}
+
+QString PluginSettings::whyNotWritten(const std::function<void()> &write)
+{
+    Q_UNUSED(TerminalAppSettings::takeWriteFailure());
+    write();
+    return TerminalAppSettings::takeWriteFailure() ? QStringLiteral("the settings cannot be written, see the log")
+                                                   : QString();
 }
 } // namespace kiosk

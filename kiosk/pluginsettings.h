@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
+
 namespace kiosk {
 /// The plugin's settings as they stand in the terminal's file, for those who set them without the plugin's page.
 namespace PluginSettings {
@@ -13,6 +15,9 @@ namespace PluginSettings {
 /// What is wrong with the setting, for people; empty where nothing is.
 [[nodiscard]] QString mistake(const QString &key, const QString &value);
 /// Stores them as the plugin's page would: as texts, the port as a plain number. @param settings without mistakes.
-void write(const QVariantMap &settings);
+/// @return why they are not stored; empty: they are.
+QString write(const QVariantMap &settings);
+/// @param write writes settings, and tells nothing of whether it could. @return as above.
+[[nodiscard]] QString whyNotWritten(const std::function<void()> &write);
 } // namespace PluginSettings
 } // namespace kiosk

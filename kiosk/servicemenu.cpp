@@ -5,6 +5,7 @@
 #include "kiosklog.h"
 #include "plugininterface/ipaybyprovider.h"
 #include "plugininterface/ipaybyprovidersettingswidget.h"
+#include "pluginsettings.h"
 
 namespace kiosk {
 ServiceMenu::~ServiceMenu()
@@ -22,12 +23,12 @@ void ServiceMenu::open(IPayByProvider *plugin)
         qCWarning(KIOSK_LOG) << "the plugin's settings page is no widget";
 }
 
-bool ServiceMenu::save()
+QString ServiceMenu::save()
 {
     if (!m_page)
-        return false;
-    m_settings->saveSettings();
-    return true;
+        return QStringLiteral("the plugin has no settings page");
+    // The page tells nothing of it.
+    return PluginSettings::whyNotWritten([this] { m_settings->saveSettings(); });
 }
 
 void ServiceMenu::close()

@@ -20,8 +20,8 @@ public:
 
     /// @param plugin may be null: then there is no page.
     void open(IPayByProvider *plugin);
-    /// @return whether there is a page.
-    bool save();
+    /// What the page shows is stored. @return why it is not; empty: it is.
+    QString save();
     /// Destroys the page, with what was changed in it and not saved.
     void close();
 

@@ -223,10 +223,12 @@ QString Terminal::openService()
 
 QString Terminal::saveService()
 {
-    if (m_screen != Screen::Service || !m_service.save())
+    if (m_screen != Screen::Service)
         return refuse("save");
-    Q_EMIT settingsSaved();
-    return {};
+    const QString mistake = m_service.save();
+    if (mistake.isEmpty())
+        Q_EMIT settingsSaved();
+    return mistake;
 }
 
 QString Terminal::closeService()
@@ -246,8 +248,7 @@ QString Terminal::writeSettings(const QVariantMap &settings)
         if (!mistake.isEmpty())
             return mistake;
     }
-    PluginSettings::write(settings);
-    return {};
+    return PluginSettings::write(settings);
 }
 
 QString Terminal::quit()

@@ -117,7 +117,7 @@ void KioskWindow::start()
 
 void KioskWindow::save()
 {
-    // The reason is for the log; there is but one.
+    // The reason is for kioskctl and its like; the screen sees it.
     if (!m_terminal.saveService().isEmpty())
         m_screens->service().setNotSaved();
 }

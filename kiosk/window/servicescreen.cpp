@@ -135,7 +135,8 @@ void ServiceScreen::setSaved()
 void ServiceScreen::setNotSaved()
 {
     showSave();
-    setStatus(QStringLiteral("Не сохранено: плагин закрыл страницу настроек. Закройте меню и откройте снова."),
+    setStatus(m_page ? QStringLiteral("Не сохранено: файл настроек не записывается. Проверьте диск и права на файл.")
+                     : QStringLiteral("Не сохранено: плагин закрыл страницу настроек. Закройте меню и откройте снова."),
               "outcomeBad");
 }
 

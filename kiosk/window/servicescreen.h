@@ -47,7 +47,7 @@ public:
     void showSection(Section section);
     /// Says that the settings are stored.
     void setSaved();
-    /// Says that they are not: the plugin has taken its page away.
+    /// Says that they are not: the plugin has taken its page away, or they cannot be written.
     void setNotSaved();
 
 Q_SIGNALS:

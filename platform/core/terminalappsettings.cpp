@@ -5,6 +5,8 @@
 #include "core/corelog.h"
 #include "core/inifile.h"
 
+#include <utility>
+
 namespace {
 const char FILE_NAME[] = "/terminal.ini";
 const char TERMINAL_GROUP[] = "TERMINAL";
@@ -35,11 +37,24 @@ Integer terminalValue(const char *key, Integer defaultValue)
     return defaultValue;
 }
 
+thread_local bool hasWriteFailed = false;
+
+void setValue(const QString &group, const QString &key, const QString &value)
+{
+    if (!settingsFile().setValue(group, key, value))
+        hasWriteFailed = true;
+}
+
 void setTerminalValue(const char *key, qint64 value)
 {
-    settingsFile().setValue(QLatin1String(TERMINAL_GROUP), QLatin1String(key), QString::number(value));
+    setValue(QLatin1String(TERMINAL_GROUP), QLatin1String(key), QString::number(value));
 }
 } // namespace
+
+bool TerminalAppSettings::takeWriteFailure()
+{
+    return std::exchange(hasWriteFailed, false);
+}
 
 QString TerminalAppSettings::fileName()
 {
@@ -54,7 +69,7 @@ QString TerminalAppSettings::getPluginSettingsValue(const QString &group, const 
 
 void TerminalAppSettings::setPluginSettingsValue(const QString &group, const QString &key, const QString &value)
 {
-    settingsFile().setValue(group, key, value);
+    setValue(group, key, value);
 }
 
 qint64 TerminalAppSettings::trelmId() const

@@ -32,6 +32,10 @@ public:
     [[nodiscard]] int autoCloseMessagesAfter() const;
     void setAutoCloseMessagesAfter(int seconds);
 
+    /// Whether a setter, of whichever object, could not write since the last call of this: a plugin's page has nothing
+    /// else to tell its terminal. Setters of other threads do not count.
+    [[nodiscard]] static bool takeWriteFailure();
+
     /// Where the settings are kept.
     [[nodiscard]] static QString fileName();
 };

@@ -206,17 +206,26 @@ private Q_SLOTS:
         }
     }
 
-    void file_thatCannotBeWritten_leavesALineAndNothingElse()
+    void file_thatCannotBeWritten_leavesALineAndIsTold()
     {
+        QVERIFY(!TerminalAppSettings::takeWriteFailure());
         QVERIFY(QFile::remove(TerminalAppSettings::fileName()) || !QFile::exists(TerminalAppSettings::fileName()));
         const QByteArray before = qgetenv("TERMINAL_WORK_DIR");
         qputenv("TERMINAL_WORK_DIR", "/proc/self");
         TerminalAppSettings().setPluginSettingsValue(GROUP, QStringLiteral("k"), QStringLiteral("v"));
-        qputenv("TERMINAL_WORK_DIR", before);
         const QList<LogLine> lines = MessageLog::take();
+        QVERIFY(TerminalAppSettings::takeWriteFailure());
+        QVERIFY(!TerminalAppSettings::takeWriteFailure());
+        TerminalAppSettings().setTrelmId(1);
+        MessageLog::drop();
+        qputenv("TERMINAL_WORK_DIR", before);
         QCOMPARE(lines.size(), 1);
         QCOMPARE(lines.at(0).level, QtCriticalMsg);
         QVERIFY(lines.at(0).text.contains(QStringLiteral("/proc/self/terminal.ini")));
+
+        // Until it is asked for, whatever is written meanwhile.
+        TerminalAppSettings().setTrelmId(2);
+        QVERIFY(TerminalAppSettings::takeWriteFailure());
     }
 
     void setters_keepWhatAnEngineerWrote()

@@ -122,6 +122,23 @@ private Q_SLOTS:
         QCOMPARE(shown.text("serviceStatus"), QStringLiteral("Настройки сохранены."));
     }
 
+    void save_thatCannotBeWritten_saysSoAndIsOfferedAgain()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench->openService();
+        WAIT_FOR(bench->screen(), Screen::Service);
+        {
+            const FullDisk full;
+            shown.touch("saveButton");
+        }
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
+        QVERIFY2(shown.text("serviceStatus").startsWith(QStringLiteral("Не сохранено: файл настроек")),
+                 qPrintable(shown.text("serviceStatus")));
+        shown.touch("saveButton");
+        QCOMPARE(shown.text("serviceStatus"), QStringLiteral("Настройки сохранены."));
+    }
+
     void service_ofAPluginWithoutSettings_offersNothingToSave()
     {
         TerminalBench bench;

@@ -3,6 +3,7 @@
 #include "terminal.h"
 
 #include "core/terminalappsettings.h"
+#include "kiosk/fulldisk.h"
 #include "kiosk/mood.h"
 #include "kiosk/terminalbench.h"
 
@@ -251,6 +252,12 @@ private Q_SLOTS:
         QCOMPARE(stored("csHost"), QStringLiteral(" a "));
         for (const auto &[key, value] : {std::pair("csPort", "65536"), std::pair("csPort", "a"), std::pair("x", "1")})
             QVERIFY(!bench->writeSettings({{QLatin1String(key), QLatin1String(value)}}).isEmpty());
+        QCOMPARE(stored("csPort"), QStringLiteral("80"));
+
+        const FullDisk full;
+        const QString refusal = bench->writeSettings({{QStringLiteral("csPort"), QStringLiteral("81")}});
+        QCOMPARE(refusal, QStringLiteral("the settings cannot be written, see the log"));
+        QCOMPARE(TerminalBench::takeLines(QtCriticalMsg).size(), 1);
         QCOMPARE(stored("csPort"), QStringLiteral("80"));
     }
 

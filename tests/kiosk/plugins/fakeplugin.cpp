@@ -3,6 +3,7 @@
 #include "core/paypack.h"
 #include "core/provider.h"
 #include "core/sessionmanager.h"
+#include "core/terminalappsettings.h"
 #include "guiclient/messagewidgetcontroller.h"
 #include "guiclient/pluginbaseformviewer.h"
 #include "plugininterface/ipaybyprovider.h"
@@ -60,7 +61,12 @@ class FakeSettings : public QWidget, public IPayByProviderSettingsWidget
     Q_OBJECT
 
 public:
-    void saveSettings() override { record(QStringLiteral("saveSettings")); }
+    void saveSettings() override
+    {
+        record(QStringLiteral("saveSettings"));
+        TerminalAppSettings().setPluginSettingsValue(QStringLiteral("FAKE_PLUGIN"), QStringLiteral("isSaved"),
+                                                     QStringLiteral("yes"));
+    }
     ~FakeSettings() override { record(QStringLiteral("~FakeSettings")); }
 };
 

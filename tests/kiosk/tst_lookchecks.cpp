@@ -45,6 +45,30 @@ QImage picture()
     return image;
 }
 
+/// The ground of the kiosk's screens.
+constexpr QColor GROUND(0xf1, 0xf4, 0xf7);
+
+/// A white card with a thin frame on the ground. @param surface what it is filled with.
+QImage pictureWithCard(const QColor &surface = Qt::white)
+{
+    QImage image = picture();
+    image.fill(GROUND);
+    QPainter painter(&image);
+    painter.setPen(QColor(0xcf, 0xd8, 0xe1));
+    painter.setBrush(surface);
+    painter.drawRect(40, 40, 99, 63);
+    return image;
+}
+
+/// On it more shades than a palette holds, a pixel of each, as the edges of letters have them.
+QImage pictureWithShades()
+{
+    QImage image = pictureWithCard();
+    for (int i = 0; i < 900; ++i)
+        image.setPixel(i % 300, 120 + 4 * (i / 300), qRgb(100 + i % 30, 100 + i / 30, 110));
+    return image;
+}
+
 /// A button in two colours at a place.
 QImage pictureWithButton(const QPoint &place, const QColor &ground = QColor(11, 74, 138))
 {
@@ -260,7 +284,8 @@ private Q_SLOTS:
             smoothed.setPixel(40, y, qRgb(120, 120, 120));
         QTest::newRow("the same") << pictureWithButton(place) << false;
         QTest::newRow("a pixel of an edge here and there") << smoothed << false;
-        QTest::newRow("a colour that nobody tells apart") << pictureWithButton(place, QColor(20, 80, 130)) << false;
+        QTest::newRow("a surface that is two steps off") << pictureWithButton(place, QColor(13, 74, 137)) << false;
+        QTest::newRow("a surface that is three steps off") << pictureWithButton(place, QColor(11, 77, 138)) << true;
         QTest::newRow("missing") << picture() << true;
         QTest::newRow("a pixel to the right") << pictureWithButton({41, 40}) << true;
         QTest::newRow("a pixel down") << pictureWithButton({40, 41}) << true;
@@ -274,6 +299,51 @@ private Q_SLOTS:
         QFETCH(const bool, differs);
         const QString difference = GoldenImage::difference(pictureWithButton({40, 40}), actual);
         QVERIFY2(difference.isEmpty() != differs, qPrintable(difference));
+    }
+
+    void goldenImage_surfaceThatTurnsIntoGround_differs()
+    {
+        QCOMPARE(GoldenImage::difference(pictureWithCard(), pictureWithCard()), QString());
+        QVERIFY(!GoldenImage::difference(pictureWithCard(), pictureWithCard(GROUND)).isEmpty());
+        QVERIFY(!GoldenImage::difference(pictureWithCard(GROUND), pictureWithCard()).isEmpty());
+    }
+
+    void goldenImage_edgeThatIsSmoothedInAnotherWay_isNone_data()
+    {
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<bool>("differs");
+        QTest::newRow("a little") << 15 << false;
+        QTest::newRow("much") << 20 << true;
+    }
+
+    void goldenImage_edgeThatIsSmoothedInAnotherWay_isNone()
+    {
+        QFETCH(const int, steps);
+        QFETCH(const bool, differs);
+        // Every second pixel of a line, as a slanted stroke's edge has them.
+        const auto smoothed = [](int level) {
+            QImage image = picture();
+            for (int x = 32; x < 96; x += 2)
+                image.setPixel(x, 100, qRgb(level, level, level));
+            return image;
+        };
+        const QString difference = GoldenImage::difference(smoothed(120), smoothed(120 + steps));
+        QVERIFY2(difference.isEmpty() != differs, qPrintable(difference));
+    }
+
+    void goldenImage_ofAFile_keepsSurfacesExactly()
+    {
+        const QString path = WorkDirectory::path() + QStringLiteral("/shades.png");
+        const QImage image = pictureWithShades();
+        qputenv("RENEW_GOLDEN_IMAGES", "1");
+        QVERIFY(GoldenImage::differenceFromFile(path, image).startsWith(QLatin1String("renewed")));
+        qunsetenv("RENEW_GOLDEN_IMAGES");
+        QCOMPARE(GoldenImage::differenceFromFile(path, image), QString());
+        const QImage kept(path);
+        QCOMPARE(kept.format(), QImage::Format_Indexed8);
+        // Ground, frame and card.
+        for (const QPoint &point : {QPoint(10, 10), QPoint(40, 70), QPoint(90, 70)})
+            QCOMPARE(QColor(kept.pixel(point)), QColor(image.pixel(point)));
     }
 
     void goldenImage_ofAFile_isWrittenOnDemandAlone()

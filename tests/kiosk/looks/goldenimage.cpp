@@ -8,22 +8,46 @@
 #include <QRect>
 
 #include <algorithm>
-#include <climits>
 #include <cstdlib>
+#include <tuple>
 
 namespace GoldenImage {
 namespace {
-/// Of 256. A card's frame differs more than that from the ground.
-constexpr int CHANNEL_TOLERANCE = 24;
+/// How many of 256 steps a channel may differ: edges are smoothed in other ways, and drawn in the nearest colour of a
+/// palette; a card's frame differs more than that from the ground.
+constexpr int EDGE_TOLERANCE = 16;
+/// Surfaces are filled, and the same everywhere.
+constexpr int SURFACE_TOLERANCE = 2;
 /// So many pixels of a tile may differ by more than that: a letter's edge or two, smoothed in another way.
 constexpr int TILE = 32;
 constexpr int TILE_TOLERANCE = 12;
 
-bool differs(QRgb one, QRgb other)
+int steps(QRgb one, QRgb other)
 {
-    const int most = std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
-                               std::abs(qBlue(one) - qBlue(other))});
-    return most > CHANNEL_TOLERANCE;
+    return std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
+                     std::abs(qBlue(one) - qBlue(other))});
+}
+
+/// Whether all pixels around it have its colour: it is no edge of anything.
+bool isOfASurface(const QImage &image, int x, int y)
+{
+    const QRect around = QRect(x - 1, y - 1, 3, 3).intersected(image.rect());
+    const QRgb colour = image.pixel(x, y);
+    for (int row = around.top(); row <= around.bottom(); ++row) {
+        for (int column = around.left(); column <= around.right(); ++column) {
+            if (image.pixel(column, row) != colour)
+                return false;
+        }
+    }
+    return true;
+}
+
+bool differs(const QImage &expected, const QImage &actual, int x, int y)
+{
+    const int found = steps(expected.pixel(x, y), actual.pixel(x, y));
+    if (found <= SURFACE_TOLERANCE || found > EDGE_TOLERANCE)
+        return found > EDGE_TOLERANCE;
+    return isOfASurface(expected, x, y) || isOfASurface(actual, x, y);
 }
 
 int differingPixels(const QImage &expected, const QImage &actual, const QRect &tile)
@@ -31,42 +55,49 @@ int differingPixels(const QImage &expected, const QImage &actual, const QRect &t
     int count = 0;
     for (int y = tile.top(); y <= tile.bottom(); ++y) {
         for (int x = tile.left(); x <= tile.right(); ++x)
-            count += differs(expected.pixel(x, y), actual.pixel(x, y)) ? 1 : 0;
+            count += differs(expected, actual, x, y) ? 1 : 0;
     }
     return count;
 }
 
-/// Neighbours among the colours: not 16 of 256 steps apart in any channel.
-QRgb neighbourhood(QRgb colour)
+/// The commonest first.
+QVector<QRgb> colours(const QImage &image)
 {
-    constexpr QRgb mask = 0xf0f0f0;
-    return colour & mask;
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            ++counts[image.pixel(x, y)];
+    }
+    QVector<QRgb> found = counts.keys().toVector();
+    std::sort(found.begin(), found.end(), [&](QRgb one, QRgb other) {
+        return std::make_tuple(-counts.value(one), one) < std::make_tuple(-counts.value(other), other);
+    });
+    return found;
 }
 
-/// With a palette, which is a third as large a file: of neighbouring shades, as the edges of letters have them, each
-/// becomes the commonest. A picture that has too many for a palette stays as it is.
+/// The commonest as they are, those of surfaces among them; of the others each that is further than @a distance steps
+/// from all before.
+QVector<QRgb> palette(const QVector<QRgb> &commonestFirst, int distance)
+{
+    constexpr int exact = 96;
+    QVector<QRgb> kept = commonestFirst.mid(0, exact);
+    for (const QRgb colour : commonestFirst.mid(exact)) {
+        if (std::all_of(kept.begin(), kept.end(), [&](QRgb other) { return steps(colour, other) > distance; }))
+            kept.append(colour);
+    }
+    return kept;
+}
+
+/// With a palette, which is a third as large a file: rare shades, as the edges of letters have them, become the nearest
+/// that it has.
 QImage indexed(const QImage &image)
 {
-    QHash<QRgb, QHash<QRgb, int>> counts;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            ++counts[neighbourhood(image.pixel(x, y))][image.pixel(x, y)];
-    }
-    if (counts.size() > UCHAR_MAX)
-        return image;
-    QVector<QRgb> palette;
-    QHash<QRgb, uchar> indices;
-    for (auto shades = counts.cbegin(); shades != counts.cend(); ++shades) {
-        indices.insert(shades.key(), static_cast<uchar>(palette.size()));
-        palette.append(std::max_element(shades->cbegin(), shades->cend()).key());
-    }
-    QImage result(image.size(), QImage::Format_Indexed8);
-    result.setColorTable(palette);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            result.scanLine(y)[x] = indices.value(neighbourhood(image.pixel(x, y)));
-    }
-    return result;
+    constexpr int most = 256;
+    const QVector<QRgb> all = colours(image);
+    QVector<QRgb> kept = all;
+    for (int distance = 1; kept.size() > most; ++distance)
+        kept = palette(all, distance);
+    return image.convertToFormat(QImage::Format_Indexed8, kept);
 }
 
 QString sizeText(const QSize &size)

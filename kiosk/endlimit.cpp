@@ -38,9 +38,4 @@ void EndLimit::begin()
     ::sigaction(SIGALRM, &action, nullptr);
     ::alarm(secondsLeft);
 }
-
-void EndLimit::cancel()
-{
-    ::alarm(0);
-}
 } // namespace kiosk

@@ -13,9 +13,8 @@ constexpr int STATUS = 1;
 
 /// How long the program may take from begin() on; where that has been called, from now on.
 void setPatience(std::chrono::seconds patience);
-/// The program has been told to end; later calls prolong nothing. May be called in a signal's handler.
+/// The program has been told to end; later calls prolong nothing. It is not taken back: the plugin may hang while it is
+/// let go of, too. May be called in a signal's handler.
 void begin();
-/// The program ends by itself.
-void cancel();
 } // namespace EndLimit
 } // namespace kiosk

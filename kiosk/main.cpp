@@ -44,7 +44,7 @@ enum Status
     Unusable = 2
 };
 
-const QString ENDED_BY_A_SIGNAL = QStringLiteral("the scenario was ended by a signal");
+const QString ENDED_EARLY = QStringLiteral("the scenario was ended before its end");
 
 int fail(Status status, const QStringList &texts)
 {
@@ -125,7 +125,7 @@ int runUntilQuit(const SignalWatch &signalWatch, Terminal &terminal, Player *pla
     });
     QObject::connect(&signalWatch, &SignalWatch::endWanted, &terminal, [&] {
         if (!mayEnd)
-            status = fail(Failed, {ENDED_BY_A_SIGNAL});
+            status = fail(Failed, {ENDED_EARLY});
         mayEnd = true;
         terminal.quit();
     });
@@ -138,9 +138,7 @@ int runUntilQuit(const SignalWatch &signalWatch, Terminal &terminal, Player *pla
         narrate(*player);
         player->start();
     }
-    const int ended = QCoreApplication::exec();
-    EndLimit::cancel();
-    return ended;
+    return QCoreApplication::exec();
 }
 
 void show(QWidget &window, const Arguments &arguments)
@@ -152,24 +150,24 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
 {
     const SignalWatch signalWatch;
     applySettings(arguments, scenario);
-    StartWindow startWindow(terminalInfo());
+    std::optional<StartWindow> startWindow(terminalInfo());
     // In the corner: a bench panel opens beside it.
     if (!arguments.bench.isEmpty())
-        startWindow.move(startWindow.screen()->availableGeometry().topLeft());
-    show(startWindow, arguments);
-    Startup startup(startWindow);
-    const auto endsStartup = QObject::connect(&signalWatch, &SignalWatch::endWanted, &startup, &Startup::end);
+        startWindow->move(startWindow->screen()->availableGeometry().topLeft());
+    show(*startWindow, arguments);
+    std::optional<Startup> startup(*startWindow);
+    QObject::connect(&signalWatch, &SignalWatch::endWanted, &*startup, &Startup::end);
 
     const QString ledgerPath = InitConfig::workDir() + QStringLiteral("/kiosk.db");
     // Nobody mends one while a scenario waits.
-    const auto ledger = scenario ? std::make_unique<Ledger>(ledgerPath) : startup.openLedger(ledgerPath);
+    const auto ledger = scenario ? std::make_unique<Ledger>(ledgerPath) : startup->openLedger(ledgerPath);
     PluginHost host(pluginPath(arguments));
     const PluginProbe probe = {QCoreApplication::applicationFilePath(),
                                {QStringLiteral("--") + QLatin1String(PROBE_OPTION)}};
-    if (!ledger || !startup.load(host, probe))
-        return scenario ? fail(Failed, {ENDED_BY_A_SIGNAL}) : Held;
+    if (!ledger || !startup->load(host, probe))
+        return scenario ? fail(Failed, {ENDED_EARLY}) : Held;
     // From here on the terminal says when the program may end.
-    QObject::disconnect(endsStartup);
+    startup.reset();
 
     FormProject project(QStringLiteral(":/kiosk/project"));
     TerminalOptions options;
@@ -180,9 +178,9 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     }
     Terminal terminal(host, *ledger, options);
     KioskWindow window(terminal);
-    window.move(startWindow.pos());
+    window.move(startWindow->pos());
     show(window, arguments);
-    startWindow.hide();
+    startWindow.reset();
 
     std::optional<ServiceFaults> faults;
     if (!arguments.bench.isEmpty())

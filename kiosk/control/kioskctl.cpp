@@ -90,8 +90,9 @@ int main(int argc, char **argv)
     QLocalSocket socket;
     socket.connectToServer(socketName);
     if (!socket.waitForConnected())
-        return fail(Unusable, QStringLiteral("no terminal at %1: %2. Start kiosk with this work directory, or give "
-                                             "--work-dir, or set TERMINAL_WORK_DIR, to the one of a kiosk that runs.")
+        return fail(Unusable, QStringLiteral("no terminal at %1: %2. Start kiosk with this work directory (one that is "
+                                             "starting answers once it shows its first screen), or give --work-dir, "
+                                             "or set TERMINAL_WORK_DIR, to the one of a kiosk that runs.")
                                   .arg(socketName, socket.errorString()));
     const QByteArray answer = ask(socket, step);
     if (answer.isEmpty())

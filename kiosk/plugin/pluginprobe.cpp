@@ -14,6 +14,7 @@
 #include <cstring>
 
 #include <sys/prctl.h>
+#include <unistd.h>
 
 namespace kiosk {
 namespace {
@@ -21,16 +22,38 @@ namespace {
 // with no reason behind it.
 const char REPORT[] = "plugin-probe: ";
 
+/// Ends with the terminal, however that ends: a plugin that hangs is not left behind.
+class ProbeProcess : public QProcess
+{
+protected:
+    void setupChildProcess() override
+    {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        // It may be too late for that.
+        if (::getppid() != m_terminal)
+            ::_exit(1);
+    }
+
+private:
+    const pid_t m_terminal = ::getpid();
+};
+
 /// Waits for the end of the process; events are handled meanwhile.
-/// @return whether it came in time, before the program is to end.
-bool waitForEnd(QProcess &process, std::chrono::milliseconds patience)
+/// @return why it was not waited for any longer; empty: it has ended.
+QString waitForEnd(QProcess &process, std::chrono::milliseconds patience)
 {
     QEventLoop loop;
+    QTimer limit;
+    limit.setSingleShot(true);
     QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop, &QEventLoop::quit);
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    QObject::connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
+    limit.start(patience);
     if (process.state() != QProcess::NotRunning)
         loop.exec();
-    return process.state() == QProcess::NotRunning;
+    if (process.state() == QProcess::NotRunning)
+        return {};
+    return limit.isActive() ? QStringLiteral("Терминал выключают, проверка плагина прервана")
+                            : QStringLiteral("Плагин не загрузился за %1 мс").arg(patience.count());
 }
 
 /// How a child that reported nothing ended.
@@ -47,7 +70,7 @@ QString deathOf(const QProcess &process)
 
 QString PluginProbe::run(const QString &pluginFile) const
 {
-    QProcess process;
+    ProbeProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     // No window of the child flashes up, and no screen is needed.
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
@@ -56,10 +79,11 @@ QString PluginProbe::run(const QString &pluginFile) const
     process.start(program, arguments + QStringList{pluginFile});
     if (!process.waitForStarted())
         return QStringLiteral("Плагин нечем проверить: ") + process.errorString();
-    if (!waitForEnd(process, patience)) {
+    const QString reason = waitForEnd(process, patience);
+    if (!reason.isEmpty()) {
         process.kill();
         process.waitForFinished();
-        return QStringLiteral("Плагин не загрузился за %1 мс").arg(patience.count());
+        return reason;
     }
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
     for (const QByteArray &line : lines) {
@@ -72,8 +96,6 @@ QString PluginProbe::run(const QString &pluginFile) const
 
 int PluginProbe::runInChild(const QString &pluginFile)
 {
-    // A plugin that hangs does not outlive a terminal that is killed meanwhile.
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     PluginHost host(pluginFile);
     host.load();
     // One line, whatever the loader says.

@@ -59,7 +59,7 @@ QStringList parameterMismatches(const QMap<QString, QString> &expected, const QL
         const QString &name = parameter.key();
         // Where an empty value is expected, a misspelt name must not do.
         if (!found.contains(name))
-            mismatches.append(QStringLiteral("there is no parameter \"%1\", but %2").arg(name, names));
+            mismatches.append(QStringLiteral("there is no parameter \"%1\"; there are %2").arg(name, names));
         else if (found.value(name) != parameter.value())
             mismatches.append(mismatch(QStringLiteral("parameter ") + name, parameter.value(), found.value(name)));
     }

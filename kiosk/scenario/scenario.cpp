@@ -88,8 +88,8 @@ Scenario readScenario(const QByteArray &text, const QString &path)
 Step readStep(const QString &text, const QString &source)
 {
     // No verb has a blank in it, so a command is nothing else in YAML; a comment is no value.
-    static const QRegularExpression command(QStringLiteral("^\\s*([a-z][a-z-]*)\\s+([^#].*)$"));
-    const QRegularExpressionMatch match = command.match(text);
+    static const QRegularExpression command(QStringLiteral("^([a-z][a-z-]*)\\s+([^#:\\s].*)$"));
+    const QRegularExpressionMatch match = command.match(text.trimmed());
     const QString inYaml = match.hasMatch() ? match.captured(1) + QStringLiteral(": ") + match.captured(2) : text;
     Step step;
     YamlReader reader;

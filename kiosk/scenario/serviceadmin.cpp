@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkProxy>
+#include <QNetworkRequest>
 
 namespace kiosk {
 ServiceAdmin::ServiceAdmin(const QUrl &admin) : m_admin(admin)

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QNetworkAccessManager>
-#include <QNetworkRequest>
 #include <QUrl>
 
 class QJsonObject;

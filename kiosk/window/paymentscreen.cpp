@@ -45,6 +45,15 @@ QString errorHint(const PaymentScreen::State &state)
     return QStringLiteral("Нажмите «ОК». Нужна помощь — ") + OutcomeText::call(state.phone);
 }
 
+/// Under a question of the plugin's, to which "yes" ends the payment: the question knows nothing of the money.
+QString questionHint(const PaymentScreen::State &state)
+{
+    if (state.isCommitting || !state.purchase.hasCash())
+        return {};
+    const QString paidIn = amountText(state.purchase.cash(), state.currency);
+    return withSeconds(QStringLiteral("Внесено %1 — «Да» завершит платёж с этой суммой.").arg(paidIn), state);
+}
+
 bool hasUp(const QWidget *form, const char *name)
 {
     const auto parts = form != nullptr ? form->findChildren<QWidget *>(QLatin1String(name)) : QList<QWidget *>();
@@ -158,6 +167,8 @@ QString PaymentScreen::hint() const
 {
     if (hasUp(m_form, "errorMark"))
         return errorHint(m_state);
+    if (hasUp(m_form, "noButton"))
+        return questionHint(m_state);
     if (m_state.isCommitting)
         return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
     return hasWayOut(m_form) ? QString() : moneyHint(m_state);

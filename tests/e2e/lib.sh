@@ -7,6 +7,8 @@
 # shellcheck disable=SC2034 # the tests use it
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$1
+# The titles of windows are in Russian.
+export LC_ALL=C.UTF-8
 scratch=$(mktemp -d)
 
 stop_all()
@@ -41,14 +43,16 @@ start_service()
     # It is there before the program that writes it.
     : >"$scratch/service.log"
     bound "$build/bin/cash-service" --listen 127.0.0.1:0 >"$scratch/service.log" 2>&1 &
-    port=$(first_line "$scratch/service.log" $! | sed -E 's|.*127\.0\.0\.1:([0-9]+).*|\1|')
+    port=$(first_line "$scratch/service.log" $! | sed -nE 's|.*127\.0\.0\.1:([0-9]+).*|\1|p')
     [[ $port ]] || fail "the cash service does not start: $(cat "$scratch/service.log")"
 }
 
 # await_kiosk PID LOG: until the kiosk of $TERMINAL_WORK_DIR waits for a customer. PID is its own or its script's.
 await_kiosk()
 {
+    local limit=$((SECONDS + 120))
     until "$build/bin/kioskctl" expect '{screen: idle}' 2>/dev/null; do
+        ((SECONDS < limit)) || fail "the kiosk waits for no customer: $(cat "$2")"
         kill -0 "$1" 2>/dev/null || fail "the kiosk has ended: $(cat "$2")"
     done
 }

@@ -7,6 +7,7 @@
 #include "support/workdirectory.h"
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocalSocket>
@@ -66,6 +67,12 @@ public:
     {
         const bool isOver = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(LIMIT);
         return isOver && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+    /// The numbers of the processes that it has started, separated by blanks.
+    [[nodiscard]] QByteArray children() const
+    {
+        QFile file(QStringLiteral("/proc/%1/task/%1/children").arg(m_process.processId()));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
     }
     /// Waits until the program has written the text.
     [[nodiscard]] bool says(const char *text)

@@ -128,6 +128,23 @@ private Q_SLOTS:
         WAIT_FOR(shown.allText().contains(hint), false);
     }
 
+    void question_withMoneyIn_tellsWhatYesDoes()
+    {
+        TerminalBench bench;
+        ShownWindow shown(bench.terminal());
+        bench.showDetails();
+        auto *question = new QWidget;
+        (new QPushButton(question))->setObjectName(QStringLiteral("noButton"));
+        bench.form()->addView(question, QStringLiteral("question"));
+        WAIT_FOR(shown.isUp("cancelButton"), false);
+        QVERIFY(!shown.allText().contains(QStringLiteral("Внесено")));
+        bench.takeCash("100");
+        const QString hint = QStringLiteral("Внесено 100.00\u00A0руб. — «Да» завершит платёж с этой суммой.");
+        QVERIFY2(shown.allText().contains(hint), qPrintable(shown.allText()));
+        delete question;
+        WAIT_FOR(shown.allText().contains(QStringLiteral("Внесено")), false);
+    }
+
     void details_withNothingDue_offerOneWayOut()
     {
         TerminalBench bench;

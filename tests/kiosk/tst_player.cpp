@@ -88,7 +88,7 @@ private Q_SLOTS:
         row("buttons where none is", "expect: {buttons: [pay, ok], within: 0}",
             "expected buttons \"pay, ok\"; there was \"\"");
         row("a parameter without a payment", "expect: {parameters: {SummToPay: \"\"}, within: 0}",
-            "there is no parameter \"SummToPay\", but none");
+            "there is no parameter \"SummToPay\"; there are none");
         row("no payment", "expect: {payment: {uid: 1}, within: 0}", "expected a payment; there was none");
     }
 
@@ -133,9 +133,10 @@ private Q_SLOTS:
         row("TermNo: ''", "");
         row("TermNo: '7'", "expected parameter TermNo \"7\"; there was \"\"");
         row("card_num: ''", "expected parameter card_num \"\"; there was \"000123456\"");
-        row("SumToPay: ''", "there is no parameter \"SumToPay\", but ParkNumber, StartDate, StartTime, SummToPay, "
-                            "TermNo, UIN, card_num");
-        row("termno: ''", "there is no parameter \"termno\", but ");
+        row("SumToPay: ''",
+            "there is no parameter \"SumToPay\"; there are ParkNumber, StartDate, StartTime, SummToPay, "
+            "TermNo, UIN, card_num");
+        row("termno: ''", "there is no parameter \"termno\"; there are ");
     }
 
     void expect_ofParameters_takesNoNameForAnother()

@@ -169,27 +169,6 @@ private Q_SLOTS:
         QCOMPARE(kiosk.finish(), 0);
     }
 
-    void signal_whileThePluginIsTriedOut_endsTheProgram_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<int>("status");
-        QTest::newRow("a terminal") << QStringList() << 0;
-        QTest::newRow("a scenario") << QStringList{QStringLiteral("--play"),
-                                                   scenario("steps:\n  - expect: {screen: idle}\n")}
-                                    << 1;
-    }
-
-    void signal_whileThePluginIsTriedOut_endsTheProgram()
-    {
-        const Mood set("hangs");
-        QFETCH(QStringList, arguments);
-        Q_UNUSED(scenario("steps:\n  - expect: {screen: idle}\n"));
-        KioskProcess kiosk(QStringList{QStringLiteral("--plugin-file"), QStringLiteral(FAKE_PLUGIN_FILE)} + arguments);
-        QVERIFY(kiosk.says("the plugin is tried out"));
-        kiosk.sendSignal(SIGTERM);
-        QTEST(kiosk.finish(), "status");
-    }
-
     void start_withoutAWorkDirectory_isUnusable()
     {
         KioskProcess kiosk({QStringLiteral("--work-dir"), QStringLiteral("/proc/nonexistent")});

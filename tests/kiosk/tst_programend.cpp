@@ -7,9 +7,25 @@
 #include "ledger/ledger.h"
 
 #include "support/testcase.h"
+#include "support/waiting.h"
+
+#include <QFile>
 
 using kiosk::LedgerEntry;
 using kiosk::Outcome;
+
+namespace {
+/// @param process its number.
+bool isRunning(const QByteArray &process)
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(process)));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    // One that has ended may wait for somebody to ask.
+    const QByteArray stat = file.readAll();
+    return stat.mid(stat.lastIndexOf(')') + 2, 1) != "Z";
+}
+} // namespace
 
 /// A program that is told to end ends, whatever its plugin does.
 class ProgramEndTest : public TestCase
@@ -53,6 +69,53 @@ private Q_SLOTS:
         QCOMPARE(payment.cash.toString(), QStringLiteral("200.00"));
         QCOMPARE(payment.summ.toString(), QStringLiteral("150.00"));
         QCOMPARE(payment.change.toString(), QStringLiteral("50.00"));
+    }
+
+    /// Not by the limit: it has been told to end, and nothing is in progress.
+    void end_wantedWhileThePluginIsTriedOut_comesAtOnce_data()
+    {
+        QTest::addColumn<bool>("isScenario");
+        QTest::addColumn<int>("status");
+        QTest::newRow("a terminal") << false << 0;
+        QTest::newRow("a scenario") << true << 1;
+    }
+
+    void end_wantedWhileThePluginIsTriedOut_comesAtOnce()
+    {
+        const Mood set("hangs");
+        QFETCH(bool, isScenario);
+        QStringList arguments = {QStringLiteral("--plugin-file"), QStringLiteral(FAKE_PLUGIN_FILE)};
+        if (isScenario)
+            arguments << QStringLiteral("--play") << QStringLiteral(SHIPPED_SCENARIOS "/demo.yaml");
+        KioskProcess kiosk(arguments);
+        QVERIFY(kiosk.says("the plugin is tried out"));
+        kiosk.sendSignal(SIGTERM);
+        QTEST(kiosk.finish(), "status");
+        const QString output = kiosk.output();
+        QVERIFY2(!output.contains(QStringLiteral("не загрузился")), qPrintable(output));
+    }
+
+    void end_ofAKilledProgram_isThatOfThePluginOnTrial()
+    {
+        const Mood set("hangs");
+        KioskProcess kiosk({QStringLiteral("--plugin-file"), QStringLiteral(FAKE_PLUGIN_FILE)});
+        QVERIFY(kiosk.says("the plugin is tried out"));
+        QByteArray trial;
+        WAIT_FOR((trial = kiosk.children()).isEmpty(), false);
+        QVERIFY(isRunning(trial));
+        kiosk.kill();
+        WAIT_FOR(isRunning(trial), false);
+    }
+
+    void end_ofAPluginThatNeverGoes_comesAndIsSaid()
+    {
+        TerminalAppSettings().setOnlineCheckTimeout(1);
+        const Mood set("never goes");
+        KioskProcess kiosk({QStringLiteral("--plugin-file"), QStringLiteral(FAKE_PLUGIN_FILE)});
+        for (const QByteArray step : {"open: service", "close", "quit"})
+            QCOMPARE(kiosk.step(step), QString());
+        QCOMPARE(kiosk.finish(), kiosk::EndLimit::STATUS);
+        QVERIFY(kiosk.output().contains(QStringLiteral("the program ends without it")));
     }
 };
 

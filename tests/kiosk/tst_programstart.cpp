@@ -32,6 +32,8 @@ QProcessEnvironment withoutADisplay(const QString &platform)
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     if (!platform.isEmpty())
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
+    // The system's own words are looked for.
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     return environment;
 }
 

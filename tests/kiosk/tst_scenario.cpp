@@ -296,6 +296,12 @@ private Q_SLOTS:
                                 << "press: ok";
         QTest::newRow("a map of one step") << "{press: ok}"
                                            << "press: ok";
+        QTest::newRow("a blank before the colon") << "press : ok"
+                                                  << "press: ok";
+        QTest::newRow("blanks behind") << "start  "
+                                       << "start";
+        QTest::newRow("a comment behind blanks") << "start  # over"
+                                                 << "start";
         QTest::newRow("a comment") << "start # over"
                                    << "start";
     }

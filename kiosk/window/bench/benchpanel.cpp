@@ -10,6 +10,7 @@
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QScreen>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -89,6 +90,8 @@ void BenchPanel::openBeside(const QWidget &window)
     };
     connect(&m_carPark, &CarPark::answered, opening, open);
     connect(&m_carPark, &CarPark::failed, opening, open);
+    // A service that keeps silent may be what is looked into.
+    QTimer::singleShot(std::chrono::seconds(2), opening, open);
 }
 
 void BenchPanel::moveBeside(const QWidget &window)

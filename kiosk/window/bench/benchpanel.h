@@ -28,8 +28,8 @@ public:
     /// @param admin the cash service's admin interface, which names the cards.
     BenchPanel(const Stage &stage, const QUrl &admin, QWidget *parent = nullptr);
 
-    /// Shows it beside the terminal's window once the car park has answered: it has its size then, and the window its
-    /// frame.
+    /// Shows it beside the terminal's window once the car park has answered, or has had two seconds for it: it
+    /// has its size then, and the window its frame.
     void openBeside(const QWidget &window);
     /// Puts it to the right of the terminal's window, or as far there as the screen lets all of it be seen.
     void moveBeside(const QWidget &window);

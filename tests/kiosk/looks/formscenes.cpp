@@ -144,6 +144,14 @@ std::unique_ptr<QWidget> errorWithMoney()
     return failed(detailsOf("150.00", "100.00"), "Сервис временно недоступен");
 }
 
+std::unique_ptr<QWidget> questionWithMoney()
+{
+    Window window = detailsOf("150.00");
+    window->touch("cancelButton");
+    window->putIn("100.00");
+    return window;
+}
+
 std::unique_ptr<QWidget> committing()
 {
     return begun();

@@ -24,6 +24,8 @@ namespace FormScenes {
 [[nodiscard]] std::unique_ptr<QWidget> detailsToReturn();
 [[nodiscard]] std::unique_ptr<QWidget> detailsComission();
 [[nodiscard]] std::unique_ptr<QWidget> errorWithMoney();
+/// The customer cancelled, and then put a note in.
+[[nodiscard]] std::unique_ptr<QWidget> questionWithMoney();
 [[nodiscard]] std::unique_ptr<QWidget> checkingWithMoney();
 [[nodiscard]] std::unique_ptr<QWidget> committing();
 [[nodiscard]] std::unique_ptr<QWidget> committingError();

@@ -75,8 +75,8 @@ public:
 ///
 /// Plans: "confirmation" ("not wanted", "dies", and see confirm()), "form" and "settings" ("none"). FAKE_PLUGIN in the
 /// environment says what the library does while it is loaded ("dies", "ends", "hangs"), whom it takes payments for
-/// ("another payee"), and that a card of 150.00 brings up the details and its confirmation never ends ("never returns",
-/// "stands still").
+/// ("another payee"), that a card of 150.00 brings up the details and its confirmation never ends ("never returns",
+/// "stands still"), and that its end takes for ever once its settings page was asked for ("never goes").
 class FakePlugin : public QObject, public IPayByProvider
 {
     Q_OBJECT
@@ -85,7 +85,12 @@ class FakePlugin : public QObject, public IPayByProvider
 
 public:
     FakePlugin() { Q_UNUSED(loaded) }
-    ~FakePlugin() override { record(QStringLiteral("~FakePlugin")); }
+    ~FakePlugin() override
+    {
+        record(QStringLiteral("~FakePlugin"));
+        while (m_hasHadAPage && qgetenv("FAKE_PLUGIN") == "never goes")
+            ::pause();
+    }
 
     Q_INVOKABLE QStringList takeCalls() { return qExchange(calls(), {}); }
     Q_INVOKABLE void plan(const QString &what, const QVariant &value) { plans().insert(what, value); }
@@ -182,6 +187,7 @@ public:
     }
     IPayByProviderSettingsWidget *getSettingsWidget() override
     {
+        m_hasHadAPage = true;
         record(QStringLiteral("getSettingsWidget"));
         if (!m_settings)
             m_settings = new FakeSettings;
@@ -298,6 +304,7 @@ private:
     QPointer<PluginBaseFormViewer> m_form;
     QPointer<FakeSettings> m_settings;
     QPointer<MessageWidgetController> m_message;
+    bool m_hasHadAPage = false;
 };
 
 #include "fakeplugin.moc"

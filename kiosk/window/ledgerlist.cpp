@@ -32,7 +32,7 @@ QString amountsText(const LedgerEntry &entry, const Currency &currency)
     add(QStringLiteral("комиссия"), entry.comission);
     add(OutcomeText::changeCaption(entry).toLower(), entry.change);
     if (entry.outcome != Outcome::Interrupted)
-        add(QStringLiteral("осталось оплатить"), entry.remainder);
+        add(OutcomeText::remainderCaption(entry).toLower(), entry.remainder);
     return parts.join(QStringLiteral(" · "));
 }
 

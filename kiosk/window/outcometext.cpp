@@ -37,6 +37,11 @@ QString changeCaption(const LedgerEntry &payment)
     return isNothingPaid(payment) ? QStringLiteral("К возврату") : QStringLiteral("Сдача");
 }
 
+QString remainderCaption(const LedgerEntry &payment)
+{
+    return payment.outcome == Outcome::Unconfirmed ? QStringLiteral("Не внесено") : QStringLiteral("Осталось");
+}
+
 QString title(const LedgerEntry &payment)
 {
     switch (payment.outcome) {
@@ -60,6 +65,9 @@ QString explanation(const LedgerEntry &payment)
 {
     switch (payment.outcome) {
     case Outcome::Unconfirmed:
+        if (isAbove(payment.remainder))
+            return QStringLiteral(
+                "Подтверждение не получено: принята часть суммы, но записала ли её парковка — неизвестно.");
         return QStringLiteral(
             "Подтверждение не получено: деньги приняты, но записала ли парковка оплату — неизвестно.");
     case Outcome::Interrupted:
@@ -77,6 +85,8 @@ QString explanation(const LedgerEntry &payment)
 
 QString advice(const LedgerEntry &payment, const QString &phone)
 {
+    if (payment.outcome == Outcome::Unconfirmed && isAbove(payment.remainder))
+        return QStringLiteral("Пока больше не платите: остаток вам назовут. Запишите номер платежа и ") + call(phone);
     if (payment.outcome == Outcome::Unconfirmed)
         return QStringLiteral("Не платите второй раз. Запишите номер платежа и ") + call(phone);
     if (isNothingPaid(payment))

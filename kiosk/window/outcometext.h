@@ -17,6 +17,8 @@ namespace kiosk::OutcomeText {
 [[nodiscard]] QString advice(const LedgerEntry &payment, const QString &phone);
 /// What the customer is owed is called.
 [[nodiscard]] QString changeCaption(const LedgerEntry &payment);
+/// What the sum due is above what was paid in is called: owed only where the payee is known to have what was paid in.
+[[nodiscard]] QString remainderCaption(const LedgerEntry &payment);
 /// How a sentence ends in which the customer is told to call. @param phone may be empty.
 [[nodiscard]] QString call(const QString &phone);
 /// Whether the payee is known to have all that it asked for.

@@ -132,8 +132,11 @@ void ReceiptScreen::showFacts(const Receipt &receipt, const Currency &currency)
     addAmount(QStringLiteral("За парковку"), payment.summ, "value");
     addAmount(QStringLiteral("Комиссия"), payment.comission, "value");
     addAmount(OutcomeText::changeCaption(payment), payment.change, "valueOwed");
-    if (payment.outcome != Outcome::Interrupted)
-        addAmount(QStringLiteral("Осталось"), payment.remainder, "valueOwed");
+    if (payment.outcome == Outcome::Interrupted)
+        return;
+    // What is to be paid now stands out; as long as that is not known, nothing is.
+    const bool isKnown = payment.outcome == Outcome::Confirmed;
+    addAmount(OutcomeText::remainderCaption(payment), payment.remainder, isKnown ? "valueOwed" : "value");
 }
 
 void ReceiptScreen::showSeconds()

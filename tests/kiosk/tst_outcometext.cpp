@@ -26,6 +26,10 @@ private Q_SLOTS:
         const QString unknown =
             QStringLiteral("Подтверждение не получено: деньги приняты, но записала ли парковка оплату — неизвестно.");
         const QString writeDown = QStringLiteral("Не платите второй раз. Запишите номер платежа и позвоните: 112");
+        const QString partUnknown =
+            QStringLiteral("Подтверждение не получено: принята часть суммы, но записала ли её парковка — неизвестно.");
+        const QString payNoMore = QStringLiteral("Пока больше не платите: остаток вам назовут. Запишите номер платежа "
+                                                 "и позвоните: 112");
         QTest::newRow("confirmed") << Outcome::Confirmed << "150.00"
                                    << "Парковка оплачена"
                                    << ""
@@ -42,7 +46,7 @@ private Q_SLOTS:
         QTest::newRow("unconfirmed") << Outcome::Unconfirmed << "150.00"
                                      << "Оплата не подтверждена" << unknown << writeDown << false;
         QTest::newRow("unconfirmed in part") << Outcome::Unconfirmed << "100.00"
-                                             << "Оплата не подтверждена" << unknown << writeDown << false;
+                                             << "Оплата не подтверждена" << partUnknown << payNoMore << false;
         QTest::newRow("interrupted") << Outcome::Interrupted << "100.00"
                                      << "Платёж прерван"
                                      << "Терминал остановился, когда принимал деньги. Парковке они не переведены."
@@ -86,6 +90,23 @@ private Q_SLOTS:
         QCOMPARE(OutcomeText::changeCaption(payment), QStringLiteral("Сдача"));
         payment.outcome = Outcome::Interrupted;
         QCOMPARE(OutcomeText::changeCaption(payment), QStringLiteral("К возврату"));
+    }
+
+    void remainderCaption_whereThePayeeMayHaveNothing_tellsOfThePaidInAlone_data()
+    {
+        QTest::addColumn<Outcome>("outcome");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("confirmed") << Outcome::Confirmed << "Осталось";
+        QTest::newRow("committing") << Outcome::Committing << "Осталось";
+        QTest::newRow("unconfirmed") << Outcome::Unconfirmed << "Не внесено";
+    }
+
+    void remainderCaption_whereThePayeeMayHaveNothing_tellsOfThePaidInAlone()
+    {
+        QFETCH(const Outcome, outcome);
+        kiosk::LedgerEntry payment;
+        payment.outcome = outcome;
+        QTEST(OutcomeText::remainderCaption(payment), "caption");
     }
 
     void call_withAndWithoutANumber_saysWhomToAsk()

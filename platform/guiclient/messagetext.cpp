@@ -74,11 +74,14 @@ QSize MessageText::sizeHint() const
 QSize MessageText::minimumSizeHint() const
 {
     // One line.
-    return {2 * SCROLL_BAR_ROOM + SMALLEST_LETTERS, SMALLEST_LETTERS * 6 / 5};
+    return {2 * SCROLL_BAR_ROOM + SMALLEST_LETTERS, text().isEmpty() ? 0 : SMALLEST_LETTERS * 6 / 5};
 }
 
 int MessageText::heightForWidth(int width) const
 {
+    // A gap would look as if something were missing.
+    if (text().isEmpty())
+        return 0;
     const QSize frame = size() - contentsRect().size();
     const int available = std::max(1, width - frame.width() - 2 * SCROLL_BAR_ROOM);
     return TextFlow(text(), font(), available, alignment()).height() + frame.height();

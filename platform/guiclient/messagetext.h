@@ -11,7 +11,7 @@ class TextFlow;
 /// A plain text of any length, never cut: it wraps, where it must it is written smaller, and where that is not enough
 /// it scrolls under the finger, with a bar beside it that shows how much there is.
 ///
-/// The font that the widget has is the largest it uses.
+/// The font that the widget has is the largest it uses. Without a text it asks for no height.
 class MessageText : public QLabel
 {
     Q_OBJECT

@@ -11,6 +11,12 @@ bool isGiven(const QObject *object, const char *signature)
 {
     return object != nullptr && qstrlen(signature) > 0;
 }
+
+/// Nobody pays less than nothing: a sum below it, in large letters, would be taken for one to pay.
+QString toPay(const QString &sumDue)
+{
+    return FixNumber(100, sumDue) < FixNumber() ? FixNumber().toString() : sumDue;
+}
 } // namespace
 
 PluginBaseFormViewer::PluginBaseFormViewer(SessionManager *session, Provider *provider, const Currency &currency,
@@ -94,7 +100,7 @@ void PluginBaseFormViewer::fill(PayDetailView &view) const
         else
             others.append(parameter);
     }
-    view.setSumDue(withCurrency(due));
+    view.setSumDue(withCurrency(toPay(due)));
     view.setPaidIn(withCurrency(m_paidIn.toString()));
     view.setParameters(others);
     view.setPhone(m_info.phone);

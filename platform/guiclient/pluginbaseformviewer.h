@@ -50,7 +50,7 @@ public:
 
 public Q_SLOTS:
     /// Puts the details up: the provider's parameters with their labels and values, the sum due, what has been paid in.
-    /// They follow the provider's parameters while they are there.
+    /// They follow the provider's parameters while they are there. A sum due below zero is shown as zero.
     void showPayDetail();
     /// Takes the details down; another view that is up stays.
     void hidePayDetail();

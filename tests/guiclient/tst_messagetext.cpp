@@ -69,6 +69,17 @@ class MessageTextTest : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void text_empty_asksForNoHeight()
+    {
+        Sheet sheet(QStringLiteral("Подождите"));
+        QVERIFY(sheet.text.heightForWidth(800) >= LARGEST);
+        QVERIFY(sheet.text.minimumSizeHint().height() >= SMALLEST);
+        sheet.text.setText({});
+        QCOMPARE(sheet.text.heightForWidth(800), 0);
+        QCOMPARE(sheet.text.sizeHint().height(), 0);
+        QCOMPARE(sheet.text.minimumSizeHint().height(), 0);
+    }
+
     void text_ofAnyLength_isAllThere_data()
     {
         QTest::addColumn<QString>("content");

@@ -158,10 +158,27 @@ private Q_SLOTS:
         QCOMPARE(form.texts("sumDue"), QStringList(QStringLiteral("—")));
     }
 
+    void sumDue_belowZero_isShownAsNothing_data()
+    {
+        QTest::addColumn<QString>("value");
+        for (const char *value : {"-0.01", "-5.00", "-150"})
+            QTest::newRow(value) << QString::fromUtf8(value);
+    }
+
+    void sumDue_belowZero_isShownAsNothing()
+    {
+        QFETCH(QString, value);
+        const Form form;
+        form.provider->setParameters({Views::parameter("SummToPay", {}, value)});
+        form.viewer->showPayDetail();
+        QCOMPARE(form.texts("sumDue"), QStringList(QStringLiteral("0.00 руб.")));
+        QCOMPARE(form.provider->parameters().first().value(), value);
+    }
+
     void sumDue_anyText_isShownAsItIs_data()
     {
         QTest::addColumn<QString>("value");
-        for (const char *value : {"0.00", "-5.00", "много", "92233720368547758.07", "<b>1</b>"})
+        for (const char *value : {"0.00", "много", "-", "-много", "92233720368547758.07", "<b>1</b>"})
             QTest::newRow(value) << QString::fromUtf8(value);
     }
 

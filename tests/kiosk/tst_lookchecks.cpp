@@ -233,6 +233,15 @@ private Q_SLOTS:
         QCOMPARE(LookChecks::smallTexts(stage.widget(), 40).size(), 1);
     }
 
+    void clipped_messageThatScrolls_isFoundUnlessItIsMeantTo()
+    {
+        auto content = page();
+        placed<MessageText>(*content, {10, 10, 380, 100}, QStringLiteral("Подождите, пожалуйста. ").repeated(20));
+        Rendering::Stage stage(std::move(content), SIZE);
+        QCOMPARE(LookChecks::clipped(stage.widget()).size(), 1);
+        QCOMPARE(LookChecks::clipped(stage.widget(), LookChecks::Scrolling::Meant), QStringList());
+    }
+
     void paleTexts_areMeasuredAsDrawn_data()
     {
         QTest::addColumn<QString>("style");
@@ -254,6 +263,54 @@ private Q_SLOTS:
         placed<QPushButton>(*content, {10, 10, 200, 64}, QStringLiteral("Текст"))->setEnabled(isEnabled);
         Rendering::Stage stage(std::move(content), SIZE);
         QCOMPARE(LookChecks::paleTexts(stage.widget(), 4.5).size(), faults);
+    }
+
+    void paleTexts_outOfSight_areScrolledIntoIt_data()
+    {
+        QTest::addColumn<int>("y");
+        QTest::newRow("in sight") << 10;
+        QTest::newRow("half out of sight") << 180;
+        QTest::newRow("out of sight") << 400;
+    }
+
+    void paleTexts_outOfSight_areScrolledIntoIt()
+    {
+        QFETCH(const int, y);
+        auto content = page();
+        auto *area = new QScrollArea(content.get());
+        area->setGeometry(0, 0, 400, 200);
+        auto *tall = new QWidget;
+        tall->resize(300, 600);
+        placed<QLabel>(*tall, {10, y, 200, 40}, QStringLiteral("Бледный"))
+            ->setStyleSheet(QStringLiteral("color: #cccccc;"));
+        placed<QLabel>(*tall, {10, 550, 200, 40}, QStringLiteral("Чёткий"));
+        area->setWidget(tall);
+        Rendering::Stage stage(std::move(content), SIZE);
+        const QStringList faults = LookChecks::paleTexts(stage.widget(), 4.5);
+        QCOMPARE(faults.size(), 1);
+        QVERIFY2(faults.first().contains(QStringLiteral("Бледный")), qPrintable(faults.first()));
+    }
+
+    void paleTexts_withMarkup_areFaults_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("format");
+        QTest::addColumn<int>("faults");
+        const QString twoColours = QStringLiteral("Чёткий <font color=\"#cccccc\">бледный</font>");
+        QTest::newRow("two colours") << twoColours << int(Qt::AutoText) << 1;
+        QTest::newRow("always mark-up") << QStringLiteral("Чёткий") << int(Qt::RichText) << 1;
+        QTest::newRow("never mark-up") << twoColours << int(Qt::PlainText) << 0;
+        QTest::newRow("none in it") << QStringLiteral("1 < 2") << int(Qt::AutoText) << 0;
+    }
+
+    void paleTexts_withMarkup_areFaults()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const int, format);
+        auto content = page();
+        placed<QLabel>(*content, {10, 10, 380, 40}, text)->setTextFormat(static_cast<Qt::TextFormat>(format));
+        Rendering::Stage stage(std::move(content), SIZE);
+        QTEST(LookChecks::paleTexts(stage.widget(), 4.5).size(), "faults");
     }
 
     void contrast_ofKnownColours_isWcags()

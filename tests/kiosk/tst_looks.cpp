@@ -63,9 +63,9 @@ QString together(const char *what, const QStringList &faults)
 }
 
 /// What is wrong, in lines; empty if nothing is.
-QString faultsOf(QWidget &window)
+QString faultsOf(QWidget &window, LookChecks::Scrolling scrolling)
 {
-    QStringList faults = {together("cut off", LookChecks::clipped(window)),
+    QStringList faults = {together("cut off", LookChecks::clipped(window, scrolling)),
                           together("overlapping", LookChecks::overlapping(window)),
                           together("without a name", LookChecks::nameless(window)),
                           together("too small to touch", LookChecks::smallTargets(window, LEAST_TARGET)),
@@ -110,11 +110,11 @@ void LooksTest::screen_onEachSize_canBeUsed()
     TestClock::freeze(Samples::now());
 
     Rendering::Stage stage(scene.make(), size);
-    const QString faults = faultsOf(stage.widget());
+    const QString faults = faultsOf(stage.widget(), scene.scrolling);
     QVERIFY2(faults.isEmpty(), qPrintable(faults));
 
     Rendering::lengthenTexts(stage.widget());
-    const QString longFaults = faultsOf(stage.widget());
+    const QString longFaults = faultsOf(stage.widget(), scene.scrolling);
     QVERIFY2(longFaults.isEmpty(), qPrintable(QStringLiteral("with longer texts, ") + longFaults));
 }
 

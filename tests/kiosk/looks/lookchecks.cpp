@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QStyleOptionButton>
+#include <QTextDocument>
 
 #include <cmath>
 
@@ -96,10 +97,12 @@ bool isPart(const QWidget &widget)
     return isControl(widget) || isText(widget);
 }
 
-QString labelFault(QLabel &label)
+QString labelFault(QLabel &label, Scrolling scrolling)
 {
-    if (auto *message = qobject_cast<MessageText *>(&label))
-        return message->scrollRange() == 0 ? QString() : QStringLiteral("has to be scrolled");
+    if (auto *message = qobject_cast<MessageText *>(&label)) {
+        const bool isFault = scrolling == Scrolling::AFault && message->scrollRange() > 0;
+        return isFault ? QStringLiteral("has to be scrolled") : QString();
+    }
     const int width = label.width();
     if (!label.wordWrap()) {
         const QSize needed = label.sizeHint();
@@ -122,10 +125,10 @@ QString buttonFault(const QAbstractButton &button)
                                                                               : QStringLiteral("is cut off");
 }
 
-QString textFault(QWidget &widget)
+QString textFault(QWidget &widget, Scrolling scrolling)
 {
     if (auto *label = qobject_cast<QLabel *>(&widget))
-        return labelFault(*label);
+        return labelFault(*label, scrolling);
     if (const auto *button = qobject_cast<QAbstractButton *>(&widget))
         return buttonFault(*button);
     if (const auto *line = qobject_cast<QLineEdit *>(&widget))
@@ -153,9 +156,25 @@ bool sticksOut(const QWidget &widget)
         return !room.contains(widget.geometry());
     return widget.x() < 0 || widget.x() + widget.width() > room.width();
 }
+
+bool hasMarkup(const QWidget &widget)
+{
+    const auto *label = qobject_cast<const QLabel *>(&widget);
+    if (label == nullptr || label->textFormat() == Qt::PlainText)
+        return false;
+    return label->textFormat() != Qt::AutoText || Qt::mightBeRichText(label->text());
+}
+
+void scrollIntoSight(QWidget &part, QWidget &window)
+{
+    for (QWidget *around = part.parentWidget(); around != &window; around = around->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(around))
+            area->ensureWidgetVisible(&part, 0, 0);
+    }
+}
 } // namespace
 
-QStringList clipped(QWidget &window)
+QStringList clipped(QWidget &window, Scrolling scrolling)
 {
     QStringList faults;
     const QSize needed = window.minimumSizeHint();
@@ -163,7 +182,7 @@ QStringList clipped(QWidget &window)
         faults.append(QStringLiteral("it needs %1 x %2").arg(needed.width()).arg(needed.height()));
     const auto parts = seen(window, isPart);
     for (QWidget *part : parts) {
-        const QString fault = textFault(*part);
+        const QString fault = textFault(*part, scrolling);
         if (!fault.isEmpty())
             faults.append(named(*part) + QLatin1Char(' ') + fault);
     }
@@ -229,18 +248,23 @@ QStringList smallTexts(QWidget &window, int least)
 QStringList paleTexts(QWidget &window, double ratio)
 {
     QStringList faults;
-    const QImage picture = Rendering::picture(window);
+    QImage picture = Rendering::picture(window);
     const auto parts = seen(window, isPart);
-    for (const QWidget *part : parts) {
-        const QRect inSight = place(*part, window);
-        // What is scrolled half away is looked at when it is in sight.
-        if (inSight.size() != part->size() || isBlank(*part))
+    for (QWidget *part : parts) {
+        if (isBlank(*part))
             continue;
+        if (hasMarkup(*part))
+            faults.append(named(*part) + QStringLiteral(" has mark-up"));
+        if (place(*part, window).size() != part->size()) {
+            scrollIntoSight(*part, window);
+            picture = Rendering::picture(window);
+        }
         // Frames are no text.
         constexpr int frame = 4;
-        const double found = Contrast::ofText(picture.copy(inSight.adjusted(frame, frame, -frame, -frame)));
-        if (found < ratio)
-            faults.append(QStringLiteral("%1 has a contrast of %2").arg(named(*part)).arg(found, 0, 'f', 2));
+        const double contrast =
+            Contrast::ofText(picture.copy(place(*part, window).adjusted(frame, frame, -frame, -frame)));
+        if (contrast < ratio)
+            faults.append(QStringLiteral("%1 has a contrast of %2").arg(named(*part)).arg(contrast, 0, 'f', 2));
     }
     return faults;
 }

@@ -4,6 +4,7 @@
 
 #include "kiosk/looks/formscenes.h"
 #include "kiosk/looks/kioskscene.h"
+#include "kiosk/looks/rarescenes.h"
 #include "kiosk/looks/samples.h"
 #include "kiosk/looks/servicescenes.h"
 #include "window/receiptscreen.h"
@@ -114,6 +115,8 @@ const QVector<Row> &all()
         {QStringLiteral("form-checking"), FormScenes::checking},
         {QStringLiteral("form-error"), FormScenes::error},
         {QStringLiteral("form-error-of-the-network"), FormScenes::errorOfTheNetwork},
+        {QStringLiteral("form-error-without-a-text"), RareScenes::errorWithoutAText},
+        {QStringLiteral("form-error-that-scrolls"), RareScenes::errorThatScrolls, LookChecks::Scrolling::Meant},
         {QStringLiteral("form-cancel-question"), FormScenes::cancelQuestion},
         {QStringLiteral("form-card-number"), FormScenes::cardNumber},
         {QStringLiteral("form-card-uid"), FormScenes::cardUid},
@@ -123,10 +126,12 @@ const QVector<Row> &all()
         {QStringLiteral("details-paid"), FormScenes::detailsPaid},
         {QStringLiteral("details-change"), FormScenes::detailsChange},
         {QStringLiteral("details-nothing-due"), FormScenes::detailsNothingDue},
+        {QStringLiteral("details-less-than-nothing-due"), RareScenes::detailsLessThanNothingDue},
         {QStringLiteral("details-to-return"), FormScenes::detailsToReturn},
         {QStringLiteral("details-comission"), FormScenes::detailsComission},
         {QStringLiteral("checking-with-money"), FormScenes::checkingWithMoney},
         {QStringLiteral("error-with-money"), FormScenes::errorWithMoney},
+        {QStringLiteral("question-with-money"), FormScenes::questionWithMoney},
         {QStringLiteral("committing"), FormScenes::committing},
         {QStringLiteral("committing-error"), FormScenes::committingError},
         {QStringLiteral("committing-without-a-message"), FormScenes::committingWithoutAMessage},

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "kiosk/looks/lookchecks.h"
+
 #include <QString>
 #include <QVector>
 #include <QWidget>
@@ -16,6 +18,8 @@ struct Row
     /// In lower case with dashes: of test rows and golden pictures.
     QString name;
     std::unique_ptr<QWidget> (*make)();
+    /// Its text is longer than any screen.
+    LookChecks::Scrolling scrolling = LookChecks::Scrolling::AFault;
 };
 
 [[nodiscard]] const QVector<Row> &all();

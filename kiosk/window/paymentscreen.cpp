@@ -45,19 +45,29 @@ QString errorHint(const PaymentScreen::State &state)
     return QStringLiteral("Нажмите «ОК». Нужна помощь — ") + OutcomeText::call(state.phone);
 }
 
-/// Under a question of the plugin's, to which "yes" ends the payment: the question knows nothing of the money.
+/// Under a question of the plugin's, to which "yes" ends the payment: the question knows nothing of the money, and
+/// counts down by itself.
 QString questionHint(const PaymentScreen::State &state)
 {
-    if (state.isCommitting || !state.purchase.hasCash())
+    if (!state.purchase.hasCash())
         return {};
-    const QString paidIn = amountText(state.purchase.cash(), state.currency);
-    return withSeconds(QStringLiteral("Внесено %1 — «Да» завершит платёж с этой суммой.").arg(paidIn), state);
+    return QStringLiteral("Внесено %1 — «Да» завершит платёж с этой суммой.")
+        .arg(amountText(state.purchase.cash(), state.currency));
 }
 
 bool hasUp(const QWidget *form, const char *name)
 {
     const auto parts = form != nullptr ? form->findChildren<QWidget *>(QLatin1String(name)) : QList<QWidget *>();
     return std::any_of(parts.begin(), parts.end(), [](const QWidget *part) { return part->isVisible(); });
+}
+
+/// Whether the message that is up has no text.
+bool isMute(const QWidget *form)
+{
+    const auto texts =
+        form != nullptr ? form->findChildren<QLabel *>(QStringLiteral("messageText")) : QList<QLabel *>();
+    return std::any_of(texts.begin(), texts.end(),
+                       [](const QLabel *text) { return text->isVisible() && text->text().isEmpty(); });
 }
 
 /// Whether the view that is up has buttons of its own that end it: a second one below would be one too many.
@@ -152,8 +162,10 @@ void PaymentScreen::showBar()
     const bool hasMoney = m_state.hasDetails && !m_state.isCommitting && !isAsked;
     calmPrompt(m_form);
     m_hint->setText(hint());
-    // Behind the plugin's last message it is all that tells why to wait.
-    Parts::setRole(*m_hint, m_state.isCommitting && !hasUp(m_form, "messageText") ? "textStrong" : "hint");
+    // Behind the plugin's last message it is all that tells why to wait; at others it tells what the plugin does not.
+    const bool isWaitedFor = m_state.isCommitting && !hasUp(m_form, "messageText");
+    const bool isQuestionOfMoney = hasUp(m_form, "noButton") && !m_hint->text().isEmpty();
+    Parts::setRole(*m_hint, isWaitedFor || isQuestionOfMoney || isMute(m_form) ? "textStrong" : "hint");
     m_money->setVisible(hasMoney);
     // Where there is nothing to pay and nothing was paid in, it would never do anything.
     m_pay->setVisible(hasMoney && (!m_state.purchase.isNothingDue() || m_state.purchase.hasCash()));
@@ -166,11 +178,11 @@ void PaymentScreen::showBar()
 QString PaymentScreen::hint() const
 {
     if (hasUp(m_form, "errorMark"))
-        return errorHint(m_state);
-    if (hasUp(m_form, "noButton"))
-        return questionHint(m_state);
+        return (isMute(m_form) ? QStringLiteral("Произошла ошибка. ") : QString()) + errorHint(m_state);
     if (m_state.isCommitting)
         return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");
+    if (hasUp(m_form, "noButton"))
+        return questionHint(m_state);
     return hasWayOut(m_form) ? QString() : moneyHint(m_state);
 }
 

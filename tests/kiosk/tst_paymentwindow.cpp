@@ -120,8 +120,16 @@ private Q_SLOTS:
         auto *error = new QWidget;
         for (const char *part : {"errorMark", "okButton"})
             (new QPushButton(error))->setObjectName(QLatin1String(part));
+        auto *text = new QLabel(QStringLiteral("Карта не найдена"), error);
+        text->setObjectName(QStringLiteral("messageText"));
         bench.form()->addView(error, QStringLiteral("error"));
         WAIT_FOR(shown.allText().contains(hint), true);
+        const QString nothingSaid = QStringLiteral("Произошла ошибка. ");
+        QVERIFY(!shown.allText().contains(nothingSaid));
+        text->clear();
+        text->hide();
+        text->show();
+        WAIT_FOR(shown.allText().contains(nothingSaid + hint), true);
         QVERIFY(!shown.isUp("payButton"));
         QVERIFY(!shown.isUp("cancelButton"));
         delete error;

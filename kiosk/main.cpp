@@ -21,6 +21,7 @@
 #include "terminalinfo.h"
 #include "window/bench/benchpanel.h"
 #include "window/kioskwindow.h"
+#include "window/look.h"
 #include "window/startup.h"
 #include "window/startwindow.h"
 #include "workdirlock.h"
@@ -146,6 +147,22 @@ void show(QWidget &window, const Arguments &arguments)
     arguments.isFullScreen ? window.showFullScreen() : window.show();
 }
 
+PluginProbe probeByThisProgram()
+{
+    return {QCoreApplication::applicationFilePath(), {QStringLiteral("--") + QLatin1String(PROBE_OPTION)}};
+}
+
+TerminalOptions terminalOptions(FormProject &project, const std::optional<Scenario> &scenario)
+{
+    TerminalOptions options;
+    options.project = &project;
+    if (scenario) {
+        options.keepPlugin = scenario->host.keepPlugin;
+        options.comission = scenario->host.comission;
+    }
+    return options;
+}
+
 int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scenario)
 {
     const SignalWatch signalWatch;
@@ -162,21 +179,13 @@ int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scena
     // Nobody mends one while a scenario waits.
     const auto ledger = scenario ? std::make_unique<Ledger>(ledgerPath) : startup->openLedger(ledgerPath);
     PluginHost host(pluginPath(arguments));
-    const PluginProbe probe = {QCoreApplication::applicationFilePath(),
-                               {QStringLiteral("--") + QLatin1String(PROBE_OPTION)}};
-    if (!ledger || !startup->load(host, probe))
+    if (!ledger || !startup->load(host, probeByThisProgram()))
         return scenario ? fail(Failed, {ENDED_EARLY}) : Held;
     // From here on the terminal says when the program may end.
     startup.reset();
 
-    FormProject project(QStringLiteral(":/kiosk/project"));
-    TerminalOptions options;
-    options.project = &project;
-    if (scenario) {
-        options.keepPlugin = scenario->host.keepPlugin;
-        options.comission = scenario->host.comission;
-    }
-    Terminal terminal(host, *ledger, options);
+    FormProject project(Look::projectDir());
+    Terminal terminal(host, *ledger, terminalOptions(project, scenario));
     KioskWindow window(terminal);
     window.move(startWindow->pos());
     show(window, arguments);

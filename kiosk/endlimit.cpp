@@ -38,4 +38,9 @@ void EndLimit::begin()
     ::sigaction(SIGALRM, &action, nullptr);
     ::alarm(secondsLeft);
 }
+
+void EndLimit::cancel()
+{
+    ::alarm(0);
+}
 } // namespace kiosk

@@ -16,5 +16,7 @@ void setPatience(std::chrono::seconds patience);
 /// The program has been told to end; later calls prolong nothing. It is not taken back: the plugin may hang while it is
 /// let go of, too. May be called in a signal's handler.
 void begin();
+/// The program ends by itself: the plugin is gone.
+void cancel();
 } // namespace EndLimit
 } // namespace kiosk

@@ -62,17 +62,20 @@ void chooseScreen()
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-void applySettings(const Arguments &arguments, const std::optional<Scenario> &scenario)
+/// @return why they are not stored; empty: they are.
+QString applySettings(const Arguments &arguments, const std::optional<Scenario> &scenario)
 {
     TerminalAppSettings settings;
+    QString reason;
     if (scenario) {
-        PluginSettings::write(scenario->settings);
+        reason = PluginSettings::write(scenario->settings);
         if (scenario->host.onlineCheckTimeout)
             settings.setOnlineCheckTimeout(*scenario->host.onlineCheckTimeout);
         if (scenario->host.autoCloseMessagesAfter)
             settings.setAutoCloseMessagesAfter(*scenario->host.autoCloseMessagesAfter);
     }
-    PluginSettings::write(arguments.settings);
+    const QString mistake = PluginSettings::write(arguments.settings);
+    return mistake.isEmpty() ? reason : mistake;
 }
 
 QString pluginPath(const Arguments &arguments)
@@ -166,7 +169,10 @@ TerminalOptions terminalOptions(FormProject &project, const std::optional<Scenar
 int runTerminal(const Arguments &arguments, const std::optional<Scenario> &scenario)
 {
     const SignalWatch signalWatch;
-    applySettings(arguments, scenario);
+    const QString unstored = applySettings(arguments, scenario);
+    // A terminal takes payments with those that it has; its log tells. A scenario would be another one.
+    if (scenario && !unstored.isEmpty())
+        return fail(Unusable, {unstored});
     std::optional<StartWindow> startWindow(terminalInfo());
     // In the corner: a bench panel opens beside it.
     if (!arguments.bench.isEmpty())
@@ -255,6 +261,8 @@ int main(int argc, char **argv)
         const int status = run(arguments);
         // What the plugin has let go of goes while its library is there.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        // No plugin is left to wait for.
+        EndLimit::cancel();
         return status;
     } catch (const ScenarioError &error) {
         // Plain: "FILE:LINE:COLUMN: …" is what editors find their way by.

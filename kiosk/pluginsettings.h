@@ -16,7 +16,7 @@ namespace PluginSettings {
 [[nodiscard]] QString mistake(const QString &key, const QString &value);
 /// Stores them as the plugin's page would: as texts, the port as a plain number. @param settings without mistakes.
 /// @return why they are not stored; empty: they are.
-QString write(const QVariantMap &settings);
+[[nodiscard]] QString write(const QVariantMap &settings);
 /// @param write writes settings, and tells nothing of whether it could. @return as above.
 [[nodiscard]] QString whyNotWritten(const std::function<void()> &write);
 } // namespace PluginSettings

@@ -91,7 +91,7 @@ int main(int argc, char **argv)
     socket.connectToServer(socketName);
     if (!socket.waitForConnected())
         return fail(Unusable, QStringLiteral("no terminal at %1: %2. Start kiosk with this work directory (one that is "
-                                             "starting answers once it shows its first screen), or give --work-dir, "
+                                             "starting answers once it is ready for customers), or give --work-dir, "
                                              "or set TERMINAL_WORK_DIR, to the one of a kiosk that runs.")
                                   .arg(socketName, socket.errorString()));
     const QByteArray answer = ask(socket, step);

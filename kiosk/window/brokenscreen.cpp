@@ -62,8 +62,8 @@ void BrokenScreen::setLedgerFailure(const QString &reason, const QString &path, 
     m_facts->addBelow(QStringLiteral("Файл"), path);
     m_facts->addBelow(
         QStringLiteral("Что делать"),
-        QStringLiteral("Освободите место на диске, проверьте права на файл. Если он повреждён, сохраните его и "
-                       "файлы рядом, -wal и -shm, и уберите из папки. Терминал пробует снова сам."));
+        QStringLiteral("Освободите место на диске, проверьте права на файл. Если он повреждён, сохраните все "
+                       "файлы, чьё имя начинается так же, и уберите их из папки. Терминал пробует снова сам."));
 }
 
 void BrokenScreen::begin(const TrelmInfo &terminal)

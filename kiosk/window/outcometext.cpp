@@ -39,7 +39,7 @@ QString changeCaption(const LedgerEntry &payment)
 
 QString remainderCaption(const LedgerEntry &payment)
 {
-    return payment.outcome == Outcome::Unconfirmed ? QStringLiteral("Не внесено") : QStringLiteral("Осталось");
+    return payment.outcome == Outcome::Confirmed ? QStringLiteral("Осталось") : QStringLiteral("Не внесено");
 }
 
 QString title(const LedgerEntry &payment)

@@ -51,8 +51,10 @@ QString questionHint(const PaymentScreen::State &state)
 {
     if (!state.purchase.hasCash())
         return {};
-    return QStringLiteral("Внесено %1 — «Да» завершит платёж с этой суммой.")
-        .arg(amountText(state.purchase.cash(), state.currency));
+    const QString text = state.purchase.isNothingDue()
+                             ? QStringLiteral("Внесено %1 — «Да» завершит платёж, деньги вернут по его номеру.")
+                             : QStringLiteral("Внесено %1 — «Да» завершит платёж с этой суммой.");
+    return text.arg(amountText(state.purchase.cash(), state.currency));
 }
 
 bool hasUp(const QWidget *form, const char *name)
@@ -61,13 +63,21 @@ bool hasUp(const QWidget *form, const char *name)
     return std::any_of(parts.begin(), parts.end(), [](const QWidget *part) { return part->isVisible(); });
 }
 
-/// Whether the message that is up has no text.
+/// Whether it is an error that is up, and not a question over it.
+bool hasError(const QWidget *form)
+{
+    return hasUp(form, "errorMark") && !hasUp(form, "noButton");
+}
+
+/// Whether the error that is up has no text.
 bool isMute(const QWidget *form)
 {
+    if (!hasError(form))
+        return false;
     const auto texts =
         form != nullptr ? form->findChildren<QLabel *>(QStringLiteral("messageText")) : QList<QLabel *>();
     return std::any_of(texts.begin(), texts.end(),
-                       [](const QLabel *text) { return text->isVisible() && text->text().isEmpty(); });
+                       [](const QLabel *text) { return text->isVisible() && text->text().trimmed().isEmpty(); });
 }
 
 /// Whether the view that is up has buttons of its own that end it: a second one below would be one too many.
@@ -177,7 +187,7 @@ void PaymentScreen::showBar()
 
 QString PaymentScreen::hint() const
 {
-    if (hasUp(m_form, "errorMark"))
+    if (hasError(m_form))
         return (isMute(m_form) ? QStringLiteral("Произошла ошибка. ") : QString()) + errorHint(m_state);
     if (m_state.isCommitting)
         return QStringLiteral("Платёж подтверждается. Пожалуйста, не отходите от терминала.");

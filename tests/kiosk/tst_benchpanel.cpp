@@ -19,6 +19,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
+#include <QTcpServer>
 
 #include <algorithm>
 
@@ -289,20 +290,25 @@ private Q_SLOTS:
 
     void panel_openedBesideTheWindow_comesOnceWithTheAnswer_data()
     {
-        QTest::addColumn<bool>("hasService");
-        QTest::newRow("cards") << true;
-        QTest::newRow("no service") << false;
+        QTest::addColumn<QString>("service");
+        QTest::newRow("cards") << "answers";
+        QTest::newRow("no service") << "none";
+        QTest::newRow("a silent service") << "silent";
     }
 
     void panel_openedBesideTheWindow_comesOnceWithTheAnswer()
     {
-        QFETCH(bool, hasService);
-        const CashService service;
+        QFETCH(QString, service);
+        const CashService real;
+        QTcpServer silent;
+        QVERIFY(silent.listen(QHostAddress::LocalHost));
+        const bool hasService = service == QLatin1String("answers");
+        const bool isSilent = service == QLatin1String("silent");
+        const int port = hasService ? real.port() : isSilent ? silent.serverPort() : 1;
         TerminalBench bench;
-        BenchPanel panel({bench.terminal(), bench.window()},
-                         QUrl(QStringLiteral("http://127.0.0.1:%1").arg(hasService ? service.port() : 1)));
+        BenchPanel panel({bench.terminal(), bench.window()}, QUrl(QStringLiteral("http://127.0.0.1:%1").arg(port)));
         bench.window().move(0, 0);
-        panel.openBeside(bench.window());
+        panel.openBeside(bench.window(), isSilent ? std::chrono::milliseconds(1) : std::chrono::minutes(10));
         QVERIFY(!panel.isVisible());
         WAIT_FOR(panel.isVisible(), true);
         QCOMPARE(panel.size(), panel.sizeHint());

@@ -97,7 +97,7 @@ private Q_SLOTS:
         QTest::addColumn<Outcome>("outcome");
         QTest::addColumn<QString>("caption");
         QTest::newRow("confirmed") << Outcome::Confirmed << "Осталось";
-        QTest::newRow("committing") << Outcome::Committing << "Осталось";
+        QTest::newRow("committing") << Outcome::Committing << "Не внесено";
         QTest::newRow("unconfirmed") << Outcome::Unconfirmed << "Не внесено";
     }
 

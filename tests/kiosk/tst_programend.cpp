@@ -97,6 +97,7 @@ private Q_SLOTS:
         QTEST(kiosk.finish(), "status");
         const QString output = kiosk.output();
         QVERIFY2(!output.contains(QStringLiteral("не загрузился")), qPrintable(output));
+        QVERIFY2(!output.contains(QStringLiteral("the program ends without it")), qPrintable(output));
     }
 
     void end_ofAKilledProgram_isThatOfThePluginOnTrial()

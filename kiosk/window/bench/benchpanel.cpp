@@ -77,21 +77,28 @@ BenchPanel::BenchPanel(const Stage &stage, const QUrl &admin, QWidget *parent)
     m_carPark.ask();
 }
 
-void BenchPanel::openBeside(const QWidget &window)
+void BenchPanel::openBeside(const QWidget &window, std::chrono::milliseconds patience)
 {
     // Once: later answers leave a panel closed that somebody has closed.
     auto *opening = new QObject(this);
-    const auto open = [this, &window, opening] {
-        opening->deleteLater();
+    const auto open = [this, &window] {
         // By itself a window takes two thirds of the screen at first, and grows above its upper edge.
         resize(sizeHint());
         moveBeside(window);
         show();
     };
-    connect(&m_carPark, &CarPark::answered, opening, open);
-    connect(&m_carPark, &CarPark::failed, opening, open);
+    const auto openAtLast = [this, open, opening] {
+        opening->deleteLater();
+        if (!m_hasOpened || isVisible())
+            open();
+    };
+    connect(&m_carPark, &CarPark::answered, opening, openAtLast);
+    connect(&m_carPark, &CarPark::failed, opening, openAtLast);
     // A service that keeps silent may be what is looked into.
-    QTimer::singleShot(std::chrono::seconds(2), opening, open);
+    QTimer::singleShot(patience, opening, [this, open] {
+        m_hasOpened = true;
+        open();
+    });
 }
 
 void BenchPanel::moveBeside(const QWidget &window)

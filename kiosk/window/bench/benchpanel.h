@@ -7,6 +7,7 @@
 
 #include <QWidget>
 
+#include <chrono>
 #include <functional>
 
 class QLabel;
@@ -28,9 +29,9 @@ public:
     /// @param admin the cash service's admin interface, which names the cards.
     BenchPanel(const Stage &stage, const QUrl &admin, QWidget *parent = nullptr);
 
-    /// Shows it beside the terminal's window once the car park has answered, or has had two seconds for it: it
-    /// has its size then, and the window its frame.
-    void openBeside(const QWidget &window);
+    /// Shows it beside the terminal's window once the car park has answered, since it has its size then, and the window
+    /// its frame; and without the cards when that takes longer.
+    void openBeside(const QWidget &window, std::chrono::milliseconds patience = std::chrono::seconds(2));
     /// Puts it to the right of the terminal's window, or as far there as the screen lets all of it be seen.
     void moveBeside(const QWidget &window);
 
@@ -51,6 +52,7 @@ private:
     void showOutcome();
 
     Stage m_stage;
+    bool m_hasOpened = false;
     CarPark m_carPark;
     QVBoxLayout *m_cards;
     QLabel *m_outcome;

@@ -32,7 +32,7 @@ void writeSettings()
     const TrelmInfo info = Samples::terminal();
     for (const auto &[key, value] : {std::pair("name", info.name), {"address", info.address}, {"phone", info.phone}})
         settings.setPluginSettingsValue(QStringLiteral("TERMINAL"), QLatin1String(key), value);
-    kiosk::PluginSettings::write({{QStringLiteral("TermId"), QStringLiteral("0042")}});
+    Q_UNUSED(kiosk::PluginSettings::write({{QStringLiteral("TermId"), QStringLiteral("0042")}}));
 }
 } // namespace
 
@@ -87,8 +87,9 @@ void KioskScene::type(const QString &text)
 void KioskScene::readCard()
 {
     require(m_service.listen(QHostAddress::LocalHost), "there is no port for the cash service");
-    kiosk::PluginSettings::write(
+    const QString unstored = kiosk::PluginSettings::write(
         {{QStringLiteral("csHost"), QStringLiteral("127.0.0.1")}, {QStringLiteral("csPort"), m_service.serverPort()}});
+    require(unstored.isEmpty(), qPrintable(unstored));
     const QString refused = terminal().readCard({{QStringLiteral("id"), QStringLiteral("2018915346")},
                                                  {QStringLiteral("cardId"), QStringLiteral("000123456")},
                                                  {QStringLiteral("pdata"), QString(32, QLatin1Char('0'))}});

@@ -110,6 +110,15 @@ public:
         fill("SummToPay", sumDue);
         signal("needShowPayDetail");
     }
+    /// A commit of that much cash out of 150.00 due, in the plugin's confirmation as soon as events are handled, until
+    /// the plugin is told to letGo().
+    void beginHeldCommit(const char *amount = "150")
+    {
+        plan("confirmation", QStringLiteral("held"));
+        showDetails();
+        takeCash(amount);
+        m_terminal->pay();
+    }
     QString takeCash(const char *amount) const
     {
         return m_terminal->takeCash(FixNumber(100, QString::fromLatin1(amount)));

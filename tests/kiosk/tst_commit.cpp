@@ -127,10 +127,7 @@ private Q_SLOTS:
         QFETCH(int, takesSeconds);
         TerminalAppSettings().setOnlineCheckTimeout(3600);
         TerminalBench bench;
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         QTimer::singleShot(50, &bench.terminal(), [&] {
             TestClock::freeze(QDateTime::currentDateTime().addSecs(setBySeconds));
             TestClock::skip(1000 * takesSeconds);

@@ -65,10 +65,7 @@ private Q_SLOTS:
         QFETCH(Screen, screen);
         TerminalBench bench;
         QSignalSpy quitReady(&bench.terminal(), &Terminal::quitReady);
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         bool wereTaken = true;
         QTimer::singleShot(50, &bench.terminal(), [&] {
             for (const QByteArray &verb : verbs) {
@@ -126,10 +123,7 @@ private Q_SLOTS:
         TerminalBench bench;
         connect(&bench.terminal(), &Terminal::quitReady, &bench.terminal(),
                 [&] { qInfo("%s", bench.latest().outcome == Outcome::Confirmed ? "quit" : "quit without a row"); });
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         QStringList inside;
         QTimer::singleShot(50, &bench.terminal(), [&] {
             Q_UNUSED(carriedOut());
@@ -153,10 +147,7 @@ private Q_SLOTS:
     void verb_thatNeedsNoPlugin_insideACommit_isRefused()
     {
         TerminalBench bench;
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         QString cash;
         QString receipt;
         QTimer::singleShot(50, &bench.terminal(), [&] {
@@ -173,10 +164,7 @@ private Q_SLOTS:
     void formSignals_insideACommit_changeNothing()
     {
         TerminalBench bench;
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("100");
-        bench->pay();
+        bench.beginHeldCommit("100");
         QTimer::singleShot(50, &bench.terminal(), [&] {
             bench.fill("SummToPay", QStringLiteral("1.00"));
             bench.signal("needShowPayDetail");
@@ -196,10 +184,7 @@ private Q_SLOTS:
     void card_insideACommit_reachesThePlugin()
     {
         TerminalBench bench;
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         QTimer::singleShot(50, &bench.terminal(), [&] {
             bench->readCard({{QStringLiteral("id"), QStringLiteral("1")}});
             bench.tellPlugin("letGo");
@@ -211,10 +196,7 @@ private Q_SLOTS:
     void inactivity_insideACommit_standsStill()
     {
         TerminalBench bench(TerminalBench::inactivity(1));
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         QTimer::singleShot(2000, &bench.terminal(), [&] { bench.tellPlugin("letGo"); });
         WAIT_FOR(bench->screen(), Screen::Receipt);
         QCOMPARE(bench.outcome(), Outcome::Confirmed);

@@ -74,10 +74,7 @@ Outcome written(const TerminalBench &bench)
 /// A customer whose payment of 150 the plugin confirms when the disk has become full.
 std::unique_ptr<FullDisk> confirmOnAFullDisk(TerminalBench &bench)
 {
-    bench.plan("confirmation", QStringLiteral("held"));
-    bench.showDetails();
-    bench.takeCash("150");
-    bench->pay();
+    bench.beginHeldCommit();
     std::unique_ptr<FullDisk> disk;
     QTimer::singleShot(50, &bench.terminal(), [&] {
         disk = std::make_unique<FullDisk>();

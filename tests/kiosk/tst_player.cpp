@@ -215,10 +215,7 @@ private Q_SLOTS:
     void steps_insideACommit_goOn()
     {
         TerminalBench bench;
-        bench.plan("confirmation", QStringLiteral("held"));
-        bench.showDetails();
-        bench.takeCash("150");
-        bench->pay();
+        bench.beginHeldCommit();
         bool wasCommitting = false;
         QTimer::singleShot(0, &bench.terminal(), [&] {
             Player player(scenario("  - expect: {payment: {outcome: committing}}\n  - stop\n  - card: {id: 3}\n"),
